@@ -60,7 +60,7 @@ class VirtualPeer : public Peer {
   }
 
   const std::shared_ptr<VirtualAccessory> accessory_;
-  std::size_t before_ = 0;  // how much had been printed at the end of the last read
+  std::size_t before_ = 0;  // bytes that were printed before the end of the last read
 };
 
 class VirtualLinkMaker : public LinkMaker {

@@ -21,7 +21,7 @@ TEST_P(LinkContract, BytesThatWereSeenCanBeReadAfterTheDeviceClosesTheLink) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
-  maker->platform().clock().usleep(20'000);  // longer than any knowledge of the link may be kept
+  maker->platform().clock().usleep(20'000);  // after this time every link checks its state again
   EXPECT_TRUE(accessory->isConnected());
   EXPECT_EQ(receive(3), (Bytes{1, 2, 3}));
   EXPECT_TRUE(isLost());

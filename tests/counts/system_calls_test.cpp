@@ -100,7 +100,7 @@ TEST(SystemCalls, ALineModeStatusOverASocketWritesOnceAndReceivesAtMostTwice) {
     ASSERT_TRACED(calls);
     EXPECT_EQ(countOf(*calls, SYS_sendto), 1U);
     EXPECT_LE(countOf(*calls, SYS_recvfrom),
-              2U);  // bytes that may have arrived meanwhile, and the answer
+              2U);  // a read of left-over bytes, and a read of the answer
     EXPECT_EQ(countOf(*calls, SYS_rt_sigaction), 1U);
     EXPECT_LE(exchangeCallsIn(*calls), 7U);
   }

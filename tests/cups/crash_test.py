@@ -115,7 +115,7 @@ class Lane:
             # Nothing can notice that a process was killed before its first instruction.
             eventually(lambda: self.guard_and_worker()[1] or self.state(job), "the back end has begun")
         began = time.monotonic()
-        time.sleep(max(0.0, began + moment - time.monotonic()))  # the case tests this moment
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # waits for the moment that the case tests
         self.strike(victim)
         state = self.settled(job)
         copies = (printed(self.printer) - before) / len(COPY)

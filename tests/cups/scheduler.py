@@ -13,7 +13,7 @@ from harness import DEADLINE, eventually
 DAEMON, HELPER = Path("/usr/sbin/cupsd"), Path("/usr/lib/cups/daemon/cups-exec")
 FILTERS = Path("/usr/lib/cups/filter")
 SOCKET = Path("/usr/lib/cups/backend/socket")  # the print system's own back end for network printers
-NOBODY = 65534  # root's scheduler would run back ends as another user than itself
+NOBODY = 65534  # a scheduler of root runs back ends as another user
 
 STATES = {3: "pending", 4: "held", 5: "processing", 6: "stopped", 7: "canceled", 8: "aborted", 9: "completed"}
 ENDED = ("canceled", "aborted", "completed")

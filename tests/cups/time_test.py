@@ -9,7 +9,7 @@ from harness import main
 from queues import QUOR, QueueCase
 from scheduler import SOCKET, as_nobody
 
-LEAST, GREATEST = 9, 40  # jobs on each back end
+LEAST, GREATEST = 9, 40  # fewest and most jobs on each back end
 MOST = 0.150  # seconds more than the other back end
 
 

@@ -67,7 +67,7 @@ class SpoilingSink : public LogSink {
   const std::uint64_t k_;
   const bool fromThereOn_;
   bool begun_ = false;
-  std::optional<AllocationFault> fault_;  // on the writer's thread
+  std::optional<AllocationFault> fault_;  // only the writer's thread uses it
   std::atomic<bool> entered_ = false;
   std::atomic<bool> released_ = false;
 };

@@ -94,7 +94,7 @@ std::vector<CommandTorture> torturesOf(const Bytes& command, std::size_t before,
     tortures.push_back({name, std::move(script)});
   };
   const auto held = [](std::size_t offset, double seconds) {
-    constexpr double attempt = 0.15;  // a slice and a pause
+    constexpr double attempt = 0.15;  // seconds of one attempt: a slice and a pause
     std::vector<std::size_t> counts(1 + static_cast<std::size_t>(seconds / attempt), 0);
     counts.front() = offset;
     return counts;

@@ -35,8 +35,8 @@ class ThingsThatGNUstepKeeps : public testing::Environment {
     }
     __lsan_disable();
     @autoreleasepool {
-      [NSPort port];    // the folder of all ports
-      [NSArray array];  // the empty array
+      [NSPort port];    // makes the registry of all ports
+      [NSArray array];  // makes the shared empty array
     }
     __lsan_enable();
   }

@@ -12,7 +12,7 @@
 @interface QuorLinkWatch : NSObject <RunLoopEvents> {
  @public
   std::shared_ptr<quordalvane::test::SocketLink>* link;  // owned
-  NSStream* stream;                                      // not retained: it owns the watch
+  NSStream* stream;  // not retained, because the stream owns the watch
   RunLoopEventType type;
   std::atomic<NSStreamStatus> status;
 

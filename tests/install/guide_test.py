@@ -16,7 +16,7 @@ from pathlib import Path
 
 from programs import DEADLINE, QUORPORT, SOURCES, ProgramTest
 
-PORTS = ("9100", "9101", "9102", "8080")  # as the pages say; here other programs may use them
+PORTS = ("9100", "9101", "9102", "8080")  # the ports in the pages; on this machine other programs may use them
 READERS_PRINTER = "192.0.2.10"  # an address that nobody has
 RECEIPT = SOURCES / "examples/receipt.txt"
 PAGES = [SOURCES / "README.md", *sorted((SOURCES / "docs").glob("*.md"))]
@@ -34,7 +34,7 @@ RUN_ELSEWHERE = ("javascript", "python", "sh")
 # Bluetooth, which the tests in the virtual machine cover.
 ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport (--device YOUR-PRINTER|-d bluetooth:\S+) ")
 
-AT_ONCE = 3  # most runs wait for their printers
+AT_ONCE = 3  # runs at a time; most of them wait for their printers
 
 # A machine without the fonts first prints a warning; the guides show the output of a machine that has them.
 FONT_HINT = re.compile(r"^quorport: no font on this machine has .*\n", re.M)

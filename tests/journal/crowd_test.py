@@ -61,7 +61,7 @@ class ManyProcesses(Case):
             list(tills.map(print_job, order))
         seconds = time.monotonic() - began
         chaos.end()
-        for number in range(NAMES):  # prints the jobs that were refused before
+        for number in range(NAMES):  # tries again to print the refused jobs
             print_job(number)
         eventually(lambda: simulator.state()["buffered"] == 0, "the printer has printed")
         simulator.control({"quit": True})

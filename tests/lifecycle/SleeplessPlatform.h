@@ -63,7 +63,7 @@ inline int threadsAtRest() {
   pid_t id = 0;
   std::thread([&id] { id = gettid(); }).join();
   while (std::filesystem::exists("/proc/self/task/" + std::to_string(id))) {
-    std::this_thread::yield();  // joined, but not yet ended for the kernel
+    std::this_thread::yield();  // the thread is joined, but the kernel still counts it
   }
   return threadCount();
 }

@@ -114,7 +114,7 @@ double Bounds::of(const Operation& operation) const {
   if (name == "disconnect") {
     return commandMode() + query();
   }
-  return query();  // one question, or the request to drop the link and the wait for it
+  return query();  // one question, or the request to drop the link and the wait for the loss
 }
 
 double stepsBack(const Scenario& scenario) {

@@ -14,7 +14,7 @@ double mostSeconds(const Scenario& scenario, const Call& call);
 
 /// The parts of a run that have no limit.
 struct Exemption {
-  std::string name;    // of the first such part of the run, or ""
+  std::string name;    // the name of the first such part of the run, or ""
   double seconds = 0;  // the time that all such parts took together
 };
 

@@ -18,7 +18,7 @@ inline constexpr std::int32_t unknownEmulation = 0;
 
 /// The result of a call.
 struct Outcome {
-  bool opened = false;  // before the call
+  bool opened = false;  // whether the port was open before the call
   std::string result;
   Caller caller;
   std::string properties;  // the port's properties after the call

@@ -134,14 +134,14 @@ class Crashes(Application):
         before = self.paper()
         began = time.monotonic()
         job = self.print(COPY, RAW)
-        time.sleep(max(0.0, began + moment - time.monotonic()))  # the case tests this moment
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # waits for the moment that the case tests
         self.restart()
         state = self.settled(job)
         return state, (self.paper() - before) / len(COPY)
 
     def test_no_job_is_printed_twice_and_no_job_is_completed_without_paper(self):
         self.printer.set(speed=SPEED)
-        self.await_state("completed", self.print(b"the first one\n", RAW))  # the printer's proof is known now
+        self.await_state("completed", self.print(b"the first one\n", RAW))  # from now on the printer's proof is known
         states = collections.Counter()
         for number in range(MOMENTS):
             moment = LENGTH * (number + 0.5) / MOMENTS

@@ -163,8 +163,8 @@ class Portions:
     """A program whose work is divided: each run does one portion, which its environment variables choose."""
 
     command: tuple
-    counts: tuple  # how much of it there is, size by size
-    portion: tuple  # how much of it one run does, size by size
+    counts: tuple  # the amount of the work, for each size
+    portion: tuple  # the amount that one run does, for each size
     settings: object  # a function of the number and the size of a portion: its environment variables
     cases_of: object = plainly
 

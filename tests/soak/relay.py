@@ -12,7 +12,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 READ_SIZE = 4096
-FULL = 65536  # bytes under way; from this number on the sender must wait
+FULL = 65536  # if so many bytes are on their way, the sender must wait
 
 
 @dataclass(frozen=True)

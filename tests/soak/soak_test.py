@@ -81,7 +81,7 @@ class Soak:
         self.till = Till(program, self.relay.device, folder / "log", emulation)
         self.counts = Counter()
         self.jobs = 0
-        self.paper = ""  # the jobs that must be on it
+        self.paper = ""  # the text of the jobs that must be on the paper
         self.error: str | None = None
         self.drift: dict[str, int | str] = {"allocated": NOT_MEASURED, "resident": NOT_MEASURED}
         self.warm: dict | None = None

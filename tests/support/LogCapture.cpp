@@ -52,7 +52,7 @@ void LogCapture::clear() {
 std::vector<LogRecord> LogCapture::take() {
   const LogStatistics now = LogWriter::sharedInstance().statistics();
   if (now.handedOver == seen_.handedOver) {
-    return {};  // no flush is needed, which would cost a change of threads
+    return {};  // a flush is not needed here, and would cost a change of threads
   }
   const bool isDelivered = LogWriter::sharedInstance().flush(patience);
   const bool isComplete = now.dropped == seen_.dropped;

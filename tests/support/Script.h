@@ -36,7 +36,7 @@ struct Script {
   Reply deliveries;
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
-  std::map<std::size_t, std::int64_t> readResults;  // of the stream's n-th read; n counts from 1
+  std::map<std::size_t, std::int64_t> readResults;  // by the number of the read, from 1
   /// When the link says that bytes may still arrive: always; never; or after each write that may be
   /// answered, up to the next read that returns bytes.
   enum class Expects { Always, Never, WhereAsked };
@@ -46,16 +46,16 @@ struct Script {
   std::vector<std::size_t> attempts;  // bytes that each `write:` sends; further calls send all
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
-  std::map<std::size_t, std::int64_t> writeResults;  // of the stream's n-th write, from 1
+  std::map<std::size_t, std::int64_t> writeResults;  // by the number of the write, from 1
 
   // -- The link and the clock ---------------------------------------------------------------------
   std::vector<bool> connectedAnswers;  // to the first questions; all later answers are true
   std::optional<double> lostAt;
   std::optional<double> backAt;
-  std::optional<std::size_t> lostAfterBytes;       // written
-  std::optional<std::size_t> lostAfterReads;       // of the stream
+  std::optional<std::size_t> lostAfterBytes;       // bytes that were written
+  std::optional<std::size_t> lostAfterReads;       // reads of the stream
   std::size_t lostAfterCalls = 100000;             // so that every run ends
-  std::map<std::size_t, std::int64_t> clockSteps;  // seconds, before the n-th reading, from 1
+  std::map<std::size_t, std::int64_t> clockSteps;  // in seconds, by the reading's number, from 1
   std::int64_t startMicroseconds = 0;              // microseconds after the full second
 
   // -- Functions that set these members -----------------------------------------------------------

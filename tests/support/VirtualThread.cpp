@@ -72,7 +72,7 @@ void VirtualRunLoop::runUntilDate(double seconds) {
     while (runOne()) {
     }
     if (scheduler_.now() < deadline) {
-      scheduler_.waitUntil(deadline);  // or until a routine is posted
+      scheduler_.waitUntil(deadline);  // a routine that is posted ends the wait
     }
   } while (runOne() || scheduler_.now() < deadline);
 }

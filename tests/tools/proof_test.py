@@ -16,7 +16,7 @@ ASKS_ID = b"\x1d\x28\x48\x06\x00\x30\x30ABCD"
 ASKS_IN_ORDER = b"\x1d\x72\x01"
 FLOW_CONTROL = b"\x13\x11"
 UNASKED_STATUS = b"\x14\x00\x00\x0f"
-ID_OF_ANOTHER_JOB = b"\x37\x22A2BC\x00"  # whose 2 has the form of a real-time status
+ID_OF_ANOTHER_JOB = b"\x37\x22A2BC\x00"  # the byte 2 has the form of a real-time status
 
 
 class OrdinaryPrinter:

@@ -55,7 +55,7 @@ class ReceiptFiles(Case):
             before = len(self.names()) // 2
             for count in (1, 2):
                 self.assertExit(0, run("-d", simulator.place, "print", "-", data=b"job %d on %s\n" % (count, listen.encode())))
-                self.assertExit(0, run("-d", simulator.place, "online"))  # a question leaves no receipt
+                self.assertExit(0, run("-d", simulator.place, "online"))  # a question makes no receipt
                 eventually(lambda: len(self.names()) == 2 * (before + count), "the receipt is written")
                 self.assertIn(f"job {count} on {listen}", self.text(before + count))
             simulator.kill()

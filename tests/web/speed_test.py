@@ -21,7 +21,7 @@ CUT_RECEIPT = LINE * 4 + b"\x1dVA\0"
 LONG_LINE = LINE + b"\x1bJ\x0a"  # 40 dots, at eight a millimetre
 LONG_LINES_OF_A_METRE = 200
 RECEIPTS = 1000
-FIRST = 200  # receipts until each list of the page has its full length
+FIRST = 200  # after so many receipts each list of the page has its full length
 HEAP_GROWTH = 1 << 20  # bytes
 
 

@@ -13,11 +13,11 @@ namespace quordalvane::test {
 /// A service of the network as the stand-in announces it.
 struct StandInAnnouncement {
   std::string name = "Bar";
-  std::string address = "192.0.2.10";  ///< "" is never resolved
+  std::string address = "192.0.2.10";  ///< "": the name is never resolved
   std::uint16_t port = 9100;
   std::vector<std::string> texts = {};
   std::string type = "_pdl-datastream._tcp";
-  std::uint32_t flags = 0;  ///< of its resolution; 1 if the service only remembers it
+  std::uint32_t flags = 0;  ///< of the resolution; 1: the service only remembers it
 };
 
 /// A stand-in on the system's bus for the part of the network's discovery service that a search

@@ -83,7 +83,7 @@ int follow(pid_t process, Countdown countdown) {
       }
       signal = 0;
     } else if (signal == SIGTRAP || signal == SIGSTOP) {
-      signal = 0;  // a new thread or program
+      signal = 0;  // a new thread or program has stopped; no signal is passed on
     }
     ::ptrace(PTRACE_SYSCALL, thread, nullptr, option(static_cast<std::uint64_t>(signal)));
   }

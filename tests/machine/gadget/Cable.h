@@ -36,7 +36,7 @@ class Cable {
   void speak();
 
   UsbGadget gadget_;
-  contract::Bytes taken_;  // received in a packet and not yet asked for
+  contract::Bytes taken_;  // bytes of a packet that no `take` has asked for yet
   std::mutex mutex_;       // guards the members below
   std::condition_variable changed_;
   std::deque<contract::Bytes> unsaid_;

@@ -17,7 +17,7 @@ struct UsbIdentity {
   std::string product = "0202";
   std::string serial;  ///< "" if it reports none
   std::string id = "MFG:Quor Dalvane;CMD:ESCPOS;MDL:XQ700;CLS:PRINTER;";
-  std::uint8_t protocol = 2;       ///< 1 only takes bytes, 2 answers as well
+  std::uint8_t protocol = 2;       ///< 1: only takes bytes; 2: also answers
   bool isSecondInterface = false;  ///< if true, the first interface is of the maker's own class
 };
 
@@ -70,7 +70,7 @@ class UsbGadget {
   std::string deviceId_;
   std::atomic<std::uint8_t> portStatus_ = 0x18;
   std::atomic<bool> isSetUp_ = false;
-  std::mutex cable_;  // one thread at a time plugs it in or pulls it
+  std::mutex cable_;  // held by the thread that plugs the cable in or pulls it
   int control_ = -1;
   int fromHost_ = -1;
   int toHost_ = -1;

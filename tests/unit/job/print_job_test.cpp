@@ -139,7 +139,8 @@ TEST_P(InBothEmulations, AnEndMarkInTheDataDoesNotConfirmTheJob) {
   ByteBuffer data = receiptText;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
-  till.after(milliseconds(2500), "mechError", true);  // stops for ever after the stray marks
+  till.after(milliseconds(2500), "mechError",
+             true);  // the printer stops for ever after the marks in the data
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.bytesAccepted, data.size());
@@ -341,7 +342,8 @@ TEST(EscPosJob, IsNotConfirmedByTheLateReportOfAnEarlierJob) {
   Till till(PrinterBuilder().speed(10), {.emulation = ZKEmulationESCPOS});
   till.port->setEndCheckedBlockTimeoutMillis(1000);
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Unconfirmed);
-  till.platform->clock().usleep(10000000);  // the earlier job still prints, and its report waits
+  till.platform->clock().usleep(
+      10000000);  // the printer still prints the earlier job and has not reported it
   const PrintResult result = till.print(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed) << "printed in no time";
 }

@@ -48,7 +48,7 @@ Till tillWith(PrinterBuilder printer) {
 
 TEST_P(DefaultProof, IsTheStrongestThatThePrinterSupports) {
   Till till = tillWith(printerWith(GetParam().gives));
-  for (int i = 0; i < 2; ++i) {  // the second job need not ask
+  for (int i = 0; i < 2; ++i) {  // the second job already knows the proof
     const PrintResult result = PrintJob(till.port).run(receiptText);
     EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
     EXPECT_EQ(result.proof, GetParam().chosen) << nameOf(result.proof);

@@ -253,7 +253,7 @@ TEST_F(RotatingFileTest, ContinuesToWriteWhileTheProcessCanOpenNoFile) {
 }
 
 TEST_F(RotatingFileTest, ReportsOnceThatItCannotRotateAndThenGrows) {
-  std::filesystem::create_directory(path_ + ".1");  // in the way
+  std::filesystem::create_directory(path_ + ".1");  // the log cannot be renamed to this name
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 1});
   EXPECT_THROW(put(file, {"aaa\n", "bbb\n"}), std::system_error);
   put(file, {"ccc\n"});

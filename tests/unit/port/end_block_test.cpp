@@ -79,7 +79,8 @@ TEST(EndBlockInLineMode, HasTheTimeoutOfThePortByDefault) {
 TEST(EndBlockInLineMode, MeasuresItsTimeoutFromBeforeTheEtb) {
   Scenario scenario = lineModePrinter(lineStatus({}, 1));
   scenario.endMillis = 1000;
-  scenario.script.takesInAttempts(std::vector<std::size_t>(10, 0));  // 1.5 s for the ETB
+  scenario.script.takesInAttempts(
+      std::vector<std::size_t>(10, 0));  // the write of the ETB takes 1.5 s
   const Outcome run = scenario.run(endCheckedBlock());
   EXPECT_THAT(run.records(method), timedOut("timeoutSec", 1, 2));
 }

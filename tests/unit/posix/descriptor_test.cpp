@@ -80,7 +80,7 @@ TEST_F(TcpDescriptor, AWaitOf2MillisecondsEndsWithin25Milliseconds) {
     receiveUntil(SteadyClock::now() + 2ms);
     shortest = std::min(shortest, watch.seconds());
   }
-  EXPECT_LT(shortest, 0.025);  // the wait of a socket by itself takes thirty
+  EXPECT_LT(shortest, 0.025);  // a wait by the socket's own time-out takes 0.03 s
 }
 
 TEST_F(TcpDescriptor, AWaitOf100MillisecondsIsNotProlongedByTheSocketsTimeout) {

@@ -148,7 +148,7 @@ TEST(RunLoop, ARoutineThatArrivesAfterASliceRunsInTheNextSlice) {
   EXPECT_TRUE(thread.performAndWait([&] {
     second = std::make_unique<SleepingThread>(
         [&] { EXPECT_TRUE(thread.performAndWait([&] { secondRan = true; })); });
-    second->awaitSleep();  // the second routine waits for the first
+    second->awaitSleep();  // the second routine waits until the first has run
     PosixClock().usleep(30'000);
   }));
   second->join();

@@ -346,7 +346,7 @@ TEST(SerialLine, DoesNotBecomeTheControllingTerminal) {
   const Line line;
   const pid_t child = ::fork();
   if (child == 0) {
-    ::setsid();  // a leader without a terminal would get the first one that it opens
+    ::setsid();  // a session's leader would get the first terminal that it opens
     const Descriptor opened = openSerial(line.path());
     const bool none = ::open("/dev/tty", O_RDWR | O_CLOEXEC) < 0 && errno == ENXIO;
     ::_exit(none ? 0 : 1);

@@ -75,7 +75,7 @@ TEST(UsbLink, CountsAnInterruptedTransferAsSent) {
 TEST(UsbLink, SendsNothingToAPrinterThatIsUnplugged) {
   const auto pulled = test::openPseudoTerminal();
   const int line = ::open(pulled.line.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  ::close(pulled.master);  // the line hangs up, as the driver does
+  ::close(pulled.master);  // now the line reports a hang-up, as the driver does
   const Descriptor driver(line, Descriptor::Kind::UsbPrinter);
   const std::uint8_t bytes[] = {1, 2, 3};
   EXPECT_EQ(driver.send(bytes, 3), -1);

@@ -76,7 +76,7 @@ TEST(PngPicture, HasTheBrightnessOfItsColours) {
 TEST(PngPicture, IsReadInEveryColourDepthAndRowOrder) {
   for (const PngKind kind :
        {PngKind::Grey1, PngKind::Grey16, PngKind::Palette, PngKind::Rgb16, PngKind::Interlaced}) {
-    const Bytes file = pngFile(kind, 24, 16);  // black in its left half
+    const Bytes file = pngFile(kind, 24, 16);  // the left half is black
     const auto picture = openPicture(file, 1);
     Bytes row(24);
     for (int y = 0; y < 16; ++y) {
@@ -146,7 +146,7 @@ TEST(JpegPicture, IsNotTurnedIfItsExifDataIsDamaged) {
     EXPECT_EQ(openPicture(withExif(jpegFile(64, 16), cut), 64)->width(), 64U) << size;
   }
   for (std::size_t place = 10; place < 14; ++place) {
-    wrong[place] = 0xff;  // the place of the entries
+    wrong[place] = 0xff;  // a wrong offset of the entries
     EXPECT_EQ(openPicture(withExif(jpegFile(64, 16), wrong), 64)->width(), 64U) << place;
   }
   EXPECT_EQ(openPicture(withExif(jpegFile(64, 16), exif(9, false)), 64)->width(), 64U);

@@ -46,7 +46,7 @@ TEST(CodePageTestPage, DrawsEachLineOfTextAgainAsAnImage) {
   ASSERT_GE(drawn - job.pieces.begin(), 2);
   EXPECT_EQ(*(drawn - 1), Bytes{'\n'});
   EXPECT_EQ((drawn - 2)->size(), 4U + 16);
-  EXPECT_EQ((*(drawn - 2))[4], 0x80);  // the euro
+  EXPECT_EQ((*(drawn - 2))[4], 0x80);  // the byte of the euro sign
 }
 
 TEST(CodePageTestPage, NamesItsCodePageAndFitsTheNarrowestPaper) {

@@ -21,7 +21,8 @@ TEST(PaperPicture, IsAsWideAsThePaperWithItsMargins) {
 TEST(PaperPicture, ContinuesAfterABarcodeWithANonAsciiText) {
   const Print print(ascii("text\n") + hex("1d4802 1d6b49 04 7b42e941") + ascii("text\n") +
                     hex("1d6b04 41 42 00") + ascii("last line\n"));
-  constexpr unsigned barcode = 162 + 24 + 3 * 6;  // height with its text and the space around
+  constexpr unsigned barcode =
+      162 + 24 + 3 * 6;  // the height with the text and the space around it
   EXPECT_GT(print.darkIn(0, 30 + 174, 100, 24), 30U) << "the first barcode's text";
   EXPECT_GT(print.darkIn(0, 30 + barcode, 60, 24), 50U) << "the text after it";
   EXPECT_GT(print.darkIn(0, 60 + barcode + 6, 100, 162), 1'000U) << "the second barcode";
