@@ -38,7 +38,7 @@ class Peer {
   /// Ends only the direction from the device. Only for links whose directions end separately.
   virtual void closeWriting() = 0;
 
-  /// Ends the link abruptly. Only if the link can.
+  /// Ends the link abruptly. Only for links that can be reset.
   virtual void reset() = 0;
 };
 

@@ -13,7 +13,7 @@ from scheduler import NOBODY
 @unittest.skipUnless(os.geteuid() == 0, "only root can mount a file system")
 class FullDisk(QueueCase):
     def mount(self, folder: str):
-        """Replaces a folder of the scheduler by a disk of one mebibyte."""
+        """Mounts a disk of one mebibyte over a folder of the scheduler."""
         self.scheduler.end()
         self.disk = self.scheduler.folder / folder
         options = f"size=1m,uid={NOBODY},gid={NOBODY},mode=755"

@@ -132,7 +132,7 @@ class Refused(QueueCase):
 
 class Unconfirmed(QueueCase):
     def unconfirmed(self, printer, queue: str) -> int:
-        """A job whose link was cut in the middle."""
+        """A job during which the link was cut."""
         printer.control({"fault": {"cut-after-in": 45}})
         job = self.print_job(queue)
         self.assertSettles(job, "held")

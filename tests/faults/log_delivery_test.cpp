@@ -19,9 +19,10 @@ namespace {
 
 constexpr std::chrono::minutes patience{1};
 
-/// Counts the records that it receives and those that are reported missing. Its first write waits
-/// until it is released and then lets the k-th allocation of the next turn fail, alone or with all
-/// that follow until memory is back. The sink itself allocates nothing.
+/// Counts the records that it receives and the records that are reported missing. Its first write
+/// waits until the sink is released, and then makes the k-th allocation of the writer's next turn
+/// fail, alone or with all later allocations until memory is back. The sink itself allocates
+/// nothing.
 class SpoilingSink : public LogSink {
  public:
   explicit SpoilingSink(std::uint64_t k, bool fromThereOn = false)

@@ -17,7 +17,7 @@ class SocketLink {
   SocketLink(const SocketLink&) = delete;
   SocketLink& operator=(const SocketLink&) = delete;
 
-  /// The descriptor, for a run loop to watch; valid as long as the link.
+  /// The descriptor that a run loop watches; valid as long as the link exists.
   int number() const { return number_; }
 
   bool hasBytes();

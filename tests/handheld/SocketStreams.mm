@@ -4,7 +4,8 @@
 
 using quordalvane::test::SocketLink;
 
-// The methods that both streams share. Their base classes leave all of these to a subclass.
+// The methods that both streams share. The base classes of the streams leave these methods to a
+// subclass.
 #define QUOR_COMMON_STREAM_METHODS                                        \
   -(void)dealloc {                                                        \
     [watch_ release];                                                     \

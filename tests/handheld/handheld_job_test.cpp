@@ -92,7 +92,7 @@ AccessoryIdentity asPluggedIn() {
   return identity;
 }
 
-/// Every record names the version that both platforms are given here.
+/// Log records contain the system's version, so this class gives both platforms the same version.
 class SameVersion : public ForwardingPlatform, private UIDevice {
  public:
   using ForwardingPlatform::ForwardingPlatform;

@@ -63,7 +63,7 @@ struct Scenario {
   static Scenario in(std::int32_t emulation, std::uint32_t timeout = 10000);
 
   /// Runs the call on a port, and on the model in a second world. Both runs must be equal in
-  /// everything, and the call must end in time.
+  /// everything, and the call must not exceed its bound.
   Outcome run(const Call& call) const;
 
   Outcome runOnPort(const Call& call) const;

@@ -13,7 +13,7 @@ ROOT = Path(__file__).resolve().parents[2]
 @dataclass(frozen=True)
 class Area:
     name: str
-    sources: tuple[str, ...]  # patterns, from the root
+    sources: tuple[str, ...]  # patterns of paths, from the root of the tree
     tests: tuple[str, ...]  # the folders of the tests that must notice a break
     programs: tuple[str, ...]  # the programs of these folders; a filter after a program selects a part of its tests
     waits: bool = False  # the tests wait for real time, so several processes share them

@@ -74,7 +74,7 @@ def source_of(file: dict, build: Path) -> Path:
 
 
 def room_of(path: Path) -> str | None:
-    """The room that the file counts for, if any."""
+    """The room to which the file belongs, if any."""
     room = path.parts[0]
     return room if room in ROOMS and (room != "simulator" or path in REPLIES) else None
 

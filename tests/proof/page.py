@@ -25,7 +25,7 @@ def table(name: str) -> list[str]:
 
 
 def figures(page: str) -> dict[str, dict[str, str]]:
-    """The figures on the page of each row that was run, by the row's title."""
+    """The figures that the page shows for each row that was run, by the title of the row."""
     lines = page.splitlines()
     if HEAD not in lines:
         return {}

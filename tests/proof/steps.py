@@ -71,7 +71,7 @@ class Unit:
         return " ".join([*settings, *("python3" if word == sys.executable else word for word in self.command)])
 
     def run(self) -> dict:
-        """How many cases the program ran, their share of the unit, and its report. Its last lines contain both."""
+        """How many cases the program ran, their share of the unit, and its report, whose last lines contain both."""
         began, share = time.monotonic(), 1
         try:
             cases, lines = self.cases_of(self)

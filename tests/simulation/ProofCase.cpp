@@ -76,7 +76,7 @@ void addFault(Case& made, Dice& dice) {
       return add("duplicate-reply", anyReply(dice));
     case 3:
       return add("drop-reply", anyReply(dice));
-    case 4:  // splitting each in-order answer from its double would add as many false answers
+    case 4:  // if all doubled in-order answers were split, each would add a false answer
       return add("split-reply",
                  dice.among<const char*>({"1@", "1/2@", "2/5@"}) +
                      (dice.oneIn(2) ? dice.among<const char*>({"block", "process-id"})

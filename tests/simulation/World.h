@@ -20,7 +20,8 @@ class Witness : public test::Fault {
   bool befalls(test::PlatformCall call) const override { return call == test::PlatformCall::Write; }
   std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) override;
 
-  /// How many bytes of the job the link has taken; unknown if the job causes signs.
+  /// How many bytes of the job the link has taken; unknown if the job's data can cause the
+  /// printer's sign.
   std::size_t taken() const { return taken_; }
 
   /// Whether a write has failed.

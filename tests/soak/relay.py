@@ -1,4 +1,4 @@
-"""A realistic link between a till and its printer: it splits, slows down, delays and cuts."""
+"""A realistic link between a till and its printer: it splits, slows down and delays the bytes, and ends connections."""
 
 import os
 import pty

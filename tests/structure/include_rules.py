@@ -70,7 +70,8 @@ RULES = (
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("discovery", ("backends", "text", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", "platform", PUBLIC), STANDARD, NO_CLOCK),
-    # A kernel's lock on a byte of a file. It waits by itself, because other processes do not use a port's clock.
+    # The kernel locks a byte of a file. The wait for a lock uses no platform, because other processes do not use its
+    # clock.
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
     Rule("journal", ("job", "locks", "text", "iphone-IOPort", PUBLIC),
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
@@ -78,7 +79,7 @@ RULES = (
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The folder belongs to the journal's library, so that a program without named jobs loads no database.
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
-    # The command also serves the simulator to others, without a port.
+    # The command also serves the simulator to other programs, without a port.
     Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery", "platform", "render",
                    "simulator", "tools/http", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
     # The web server includes no header of a printer, only microhttpd.h and headers of the system.

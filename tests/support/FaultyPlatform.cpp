@@ -108,7 +108,7 @@ class FaultySession : public EASession {
   void abandon() override { next_->abandon(); }
 
  private:
-  const std::shared_ptr<EASession> next_;  // a link lasts as long as its session
+  const std::shared_ptr<EASession> next_;  // keeps the session, because its end would end the link
   const std::shared_ptr<NSInputStream> input_;
   const std::shared_ptr<NSOutputStream> output_;
   const Plan plan_;

@@ -36,7 +36,7 @@ class FaultPlan {
   std::int64_t clockStep_ = 0;
 };
 
-/// A platform of which one call, or every call from one on, fails as planned.
+/// A platform on which one call fails as planned, alone or with all later calls.
 class FaultyPlatform : public ForwardingPlatform {
  public:
   FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan);

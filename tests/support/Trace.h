@@ -85,8 +85,8 @@ class Trace {
 std::string shownRecord(ZKLogType type, std::int32_t level, const std::string& method,
                         const std::string& message);
 
-/// The lines about one of these, one below the other. A line that is repeated in a row is shown
-/// once, after "3 x" or, for several lines, between "3 x {" and "}".
+/// All lines about the subjects in `about`, one below the other. A line that is repeated in a row
+/// is shown once, after "3 x" or, for several lines, between "3 x {" and "}".
 std::string view(const std::vector<Line>& lines, const std::set<About>& about);
 
 /// The records of one method, without its name.

@@ -12,7 +12,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// The shortest text that stands for exactly this number.
+/// The shortest text that denotes exactly this number.
 std::string exact(double value) {
   std::array<char, 32> text;
   return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};

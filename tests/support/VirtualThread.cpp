@@ -89,7 +89,7 @@ VirtualThread::VirtualThread(Scheduler& scheduler, std::function<void()> body)
       loop_(std::make_shared<VirtualRunLoop>(scheduler)) {}
 
 bool VirtualThread::start() {
-  auto ownBody = std::exchange(body_, {});  // released with this call when there is no thread
+  auto ownBody = std::exchange(body_, {});  // if no thread starts, the body is released here
   Scheduler::Thread& self = scheduler_.adopt();
   try {
     std::thread([&scheduler = scheduler_, &self, loop = loop_,

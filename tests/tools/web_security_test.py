@@ -165,7 +165,7 @@ class WebRequestLimits(BrowserCase):
 
 
 class ManyWebClients(BrowserCase):
-    """Clients that use up resources; printing takes as long as without them."""
+    """Clients that use up resources. They must not delay printing."""
 
     JOB = b"a line of text\n" * 200
 

@@ -36,7 +36,7 @@ std::string textAt(pid_t thread, std::uint64_t address) {
   return text.data();
 }
 
-// Whether the thread enters a call, and which.
+// Whether the thread enters a system call; `info` then describes the call.
 bool entersCall(pid_t thread, __ptrace_syscall_info& info) {
   ::ptrace(PTRACE_GET_SYSCALL_INFO, thread, option(sizeof info), &info);
   return info.op == PTRACE_SYSCALL_INFO_ENTRY;

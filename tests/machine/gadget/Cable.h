@@ -22,7 +22,7 @@ class Cable {
 
   void plugIn() { gadget_.plugIn(); }
 
-  /// Also forgets the answers that the printer has not sent yet.
+  /// Pulls the cable, and forgets the answers that the printer has not sent yet.
   void pull();
 
   void say(contract::Bytes bytes);

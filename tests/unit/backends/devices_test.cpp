@@ -111,7 +111,7 @@ TEST(Devices, ASerialLineGetsTheSettingsOfItsKeys) {
   EXPECT_EQ(settings.c_cflag & (CSTOPB | CRTSCTS | PARODD), CSTOPB | CRTSCTS | PARODD);
 }
 
-/// A scheme that knows its printers by itself, as that of Bluetooth does.
+/// A scheme that itself knows its printers, as the scheme `bluetooth:` does.
 const Scheme flock = {
     .name = "flock",
     .place = "",

@@ -1,5 +1,5 @@
-// The data time-out: a printer with a data time-out drops bytes that arrive too late, and all later
-// bytes, until a block ends.
+// A printer with a data time-out drops bytes that arrive too late, and all later bytes, until a
+// block ends.
 
 #include <gtest/gtest.h>
 

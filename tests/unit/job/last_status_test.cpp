@@ -25,7 +25,8 @@ test::Bytes statusOf(std::uint8_t count, int flag = -1) {
   return block;
 }
 
-/// A printer that is ready, counts the mark before the data, and then answers `last` in turn.
+/// Prints on a printer that is ready, counts the mark before the data, and then gives the answers
+/// in `last`, one after the other.
 PrintResult printOn(const std::vector<test::Bytes>& last) {
   Script script;
   for (const int count : {0, 0, 0, 1}) {

@@ -201,8 +201,8 @@ TEST(RetryingWriter, FailsIfTheLinkIsLostBetweenTwoAttempts) {
   )"));
 }
 
-/// A command that is being sent, exactly as the contract says: the total is kept over all attempts,
-/// the command is shortened to its tail, and the two are compared.
+/// The progress of a command, exactly as the contract says: the total counts over all attempts, the
+/// command is shortened to its tail, and the total is compared with the length of the tail.
 struct Progress {
   Bytes rest;
   Bytes sent{};

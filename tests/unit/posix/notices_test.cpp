@@ -67,7 +67,7 @@ TEST_F(DeviceNotices, ANoticeOfAnotherDeviceDoesNotShortenAWait) {
   EXPECT_GE(watch.seconds(), 0.02);
 }
 
-// Any user may send to these groups of sockets, and the machine may receive from them.
+// Opens a socket in a group of sockets to which any user may send.
 int groupSocket(unsigned group) {
   const int number =
       ::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_USERSOCK);

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr double generously = 20;  // seconds; only a failing test waits so long
 
-/// The printer's end of a TCP connection, with little room.
+/// The printer's end of a TCP connection, with a small receive buffer.
 class Printer {
  public:
   Printer() {

@@ -159,7 +159,7 @@ TEST(PosixThread, ReleasesItsFunctionIfItIsNeverStarted) {
   EXPECT_TRUE(watched.expired());
 }
 
-// Owns its thread, whose body owns this object, as in a port.
+// An object that owns its thread; the thread's body owns the object, as in a port.
 struct Owner {
   Owner(std::atomic<bool>& hasCalledItself, std::atomic<bool>& hasEnded)
       : calledItself(hasCalledItself), ended(hasEnded) {}
