@@ -67,15 +67,21 @@ std::vector<std::string> UsbAccessory::protocolStrings() {
 }
 
 std::string UsbAccessory::lastError() {
-  std::optional<std::system_error> why;
   const std::string ofOpening = LinkAccessory::lastError();
-  return ofOpening.empty() && !seek(&why) && why ? why->what() : ofOpening;
+  std::optional<std::system_error> why;
+  if (ofOpening.empty()) {
+    seek(&why);
+  }
+  return why ? why->what() : ofOpening;
 }
 
 std::error_code UsbAccessory::lastErrorCode() {
-  std::optional<std::system_error> why;
   const std::error_code ofOpening = LinkAccessory::lastErrorCode();
-  return !ofOpening && !seek(&why) && why ? why->code() : ofOpening;
+  std::optional<std::system_error> why;
+  if (!ofOpening) {
+    seek(&why);
+  }
+  return why ? why->code() : ofOpening;
 }
 
 // Returns the printer. A printer that was found before has priority, because another printer may
