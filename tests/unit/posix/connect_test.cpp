@@ -6,13 +6,13 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <vector>
 
 #include "tests/support/Listener.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/unit/posix/NoMoreFiles.h"
 #include "tests/unit/posix/SignalStorm.h"
 #include "tests/unit/posix/Stopwatch.h"
 
@@ -166,20 +166,6 @@ TEST(ConnectUnix, AcceptsAPathOf107BytesAndRefusesALongerOne) {
   EXPECT_GE(connectUnix(path).number(), 0);
   EXPECT_THAT(failure([&] { connectUnix(path + "s"); }), HasSubstr("too long"));
 }
-
-/// Lets this process open no more files until it is destroyed.
-class NoMoreFiles {
- public:
-  NoMoreFiles() {
-    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before_), 0);
-    const rlimit none{.rlim_cur = 0, .rlim_max = before_.rlim_max};
-    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-  }
-  ~NoMoreFiles() { ::setrlimit(RLIMIT_NOFILE, &before_); }
-
- private:
-  rlimit before_{};
-};
 
 TEST(ConnectUnix, ReportsThatTheProcessMayOpenNoMoreFiles) {
   const TemporaryFolder folder;

@@ -2,18 +2,23 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "backends/posix/Connect.h"
 #include "tests/support/Listener.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/unit/posix/NoMoreFiles.h"
 #include "tests/unit/posix/SignalStorm.h"
 #include "tests/unit/posix/Stopwatch.h"
+#include "tests/unit/posix/SystemCalls.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -139,6 +144,11 @@ TEST_F(TcpDescriptor, APollReturnsOnlyTheEventsThatHaveHappened) {
   EXPECT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLIN);
 }
 
+TEST_F(TcpDescriptor, AnErrorOfTheSystemEndsAPoll) {
+  const NoMoreFiles none;
+  EXPECT_EQ(socket_.pollUntil(POLLIN, inAnHour()), POLLERR);
+}
+
 TEST_F(TcpDescriptor, EndOutputEndsOnlyTheDirectionToTheDevice) {
   socket_.endOutput();
   char byte = 0;
@@ -172,6 +182,23 @@ TEST(LocalDescriptor, HasBytesUnderWayUntilTheDeviceReadsThem) {
   EXPECT_TRUE(link.hasUnderWay());
   EXPECT_EQ(device.receive(&byte, 1), 1);
   EXPECT_FALSE(link.hasUnderWay());
+}
+
+TEST(BluetoothDescriptor, HasBytesUnderWayWhileTheSystemReportsLessSpaceThanAtTheBeginning) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+  const Descriptor device(ends[1], Descriptor::Kind::Socket);
+  std::optional<int> space = 100;
+  const AnsweredIoctl system(SIOCOUTQ, [&space](void* answer) {
+    *static_cast<int*>(answer) = space.value_or(0);
+    return space ? 0 : unknownRequest(answer);
+  });
+  const Descriptor link(ends[0], Descriptor::Kind::Bluetooth);
+  EXPECT_FALSE(link.hasUnderWay());
+  space = 60;
+  EXPECT_TRUE(link.hasUnderWay());
+  space = std::nullopt;
+  EXPECT_FALSE(link.hasUnderWay()) << "the system does not report the space";
 }
 
 TEST(LocalDescriptor, NeverReportsSilence) {

@@ -199,6 +199,17 @@ TEST_F(LinkTest, AWriteErrorEndsTheLinkEvenIfTheDeviceCouldStillSend) {
   EXPECT_EQ(ask(), -1);
 }
 
+TEST_F(LinkTest, AWaitForSpaceEndsAtOnceAfterAWriteError) {
+  while (ask() == 1) {
+  }
+  ASSERT_FALSE(output->hasSpaceAvailable());
+  ASSERT_EQ(::shutdown(device(), SHUT_RD), 0);
+  ASSERT_EQ(ask(), -1);
+  const Stopwatch watch;
+  output->waitUntilReady(30);
+  EXPECT_LT(watch.seconds(), 20);
+}
+
 TEST_F(LinkTest, BytesThatArrivedBeforeARequestAreNotItsAnswer) {
   deviceWrites(3);
   ASSERT_TRUE(input->hasBytesAvailable());

@@ -4,10 +4,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 #include <string_view>
 
 #include "backends/posix/AccessoryNotices.h"
 #include "backends/posix/Descriptor.h"
+#include "tests/unit/posix/NoMoreFiles.h"
 #include "tests/unit/posix/Stopwatch.h"
 
 namespace quordalvane::posix {
@@ -103,6 +105,13 @@ TEST(DeviceNoticesWithoutASocket, LetAWaitLastItsWholeTime) {
   const Stopwatch watch;
   EXPECT_FALSE(notices.await(20ms));
   EXPECT_GE(watch.seconds(), 0.02);
+}
+
+TEST(DeviceNoticesWithoutASocket, AreMadeIfTheProcessMayOpenNoMoreFiles) {
+  std::optional<NoMoreFiles> limit(std::in_place);
+  AccessoryNotices notices;
+  limit.reset();
+  EXPECT_FALSE(notices.await(1ms));
 }
 
 TEST(SystemDeviceNotices, CanBeAwaitedByAnyUser) {

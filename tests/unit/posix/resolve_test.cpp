@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "tests/unit/posix/Stopwatch.h"
+#include "tests/unit/posix/SystemCalls.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -33,6 +34,11 @@ TEST(Resolve, AcceptsIpv6Addresses) {
   const auto addresses = resolve("::1", 9100, SteadyClock::now() + 5s);
   ASSERT_EQ(addresses.size(), 1U);
   EXPECT_EQ(addresses[0].storage.ss_family, AF_INET6);
+}
+
+TEST(Resolve, TakesLocalhostForThisMachineEvenIfTheResolverDoesNotKnowTheName) {
+  const UnknownHost unknown("localhost");
+  EXPECT_FALSE(resolve("localhost", 9100, SteadyClock::now() + 5s).empty());
 }
 
 TEST(Resolve, ThrowsAResolverErrorForAnImpossibleName) {

@@ -157,5 +157,29 @@ TEST(RunLoop, ARoutineThatArrivesAfterASliceRunsInTheNextSlice) {
   }
 }
 
+TEST(RunLoop, ARoutineThatRunsTheLoopRunsTheOtherWaitingRoutines) {
+  std::atomic<bool> areWaiting = false;
+  std::atomic<int> ran = 0;
+  PosixThread thread([&] {
+    while (!areWaiting) {
+      std::this_thread::yield();
+    }
+    currentRunLoop().runUntilDate(0);
+  });
+  ASSERT_TRUE(thread.start());
+  const auto routine = [&] {
+    ++ran;
+    currentRunLoop().runUntilDate(0);
+  };
+  SleepingThread one([&] { EXPECT_TRUE(thread.performAndWait(routine)); });
+  SleepingThread other([&] { EXPECT_TRUE(thread.performAndWait(routine)); });
+  one.awaitSleep();
+  other.awaitSleep();
+  areWaiting = true;
+  one.join();
+  other.join();
+  EXPECT_EQ(ran, 2);
+}
+
 }  // namespace
 }  // namespace quordalvane::posix

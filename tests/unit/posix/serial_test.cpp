@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -20,6 +21,7 @@
 #include "tests/support/Eventually.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/unit/posix/LineSpeed.h"
+#include "tests/unit/posix/SystemCalls.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -239,6 +241,18 @@ TEST(SerialLine, RefusesALineWithoutTheGivenFlowControl) {
             console.path() + ": the line has no flow control by RTS and CTS: Invalid argument");
 }
 
+TEST(SerialLine, NeedsNoDriverThatHasAnExclusiveMode) {
+  const Console console("/dev/tty60");
+  if (!console.isFree()) {
+    GTEST_SKIP() << "this user cannot open " << console.path();
+  }
+  constexpr unsigned long requests[] = {TIOCGEXCL, TIOCEXCL};
+  for (const unsigned long request : requests) {
+    const AnsweredIoctl driver(request, unknownRequest);
+    EXPECT_EQ(failure(console.path(), {.baud = 38400}), "it opened");
+  }
+}
+
 bool lock(int line) {
   return ::flock(line, LOCK_EX) == 0;
 }
@@ -285,6 +299,13 @@ TEST(SerialLine, NamesTheProgramThatUsesTheLine) {
   EXPECT_THAT(failure(line.path()),
               AllOf(HasSubstr("in use by another program: unit_posix_test"),
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
+}
+
+TEST(SerialLine, CallsAProgramWithoutANameAProgram) {
+  const Line line;
+  const OtherProgram other(line.path(),
+                           [](int held) { return lock(held) && ::prctl(PR_SET_NAME, "") == 0; });
+  EXPECT_THAT(failure(line.path()), HasSubstr("another program: a program (process "));
 }
 
 TEST(SerialLine, NamesBothProgramsThatUseTheLine) {

@@ -11,6 +11,7 @@
 #include "backends/posix/Link.h"
 #include "backends/posix/UsbAccessory.h"
 #include "tests/support/PseudoTerminal.h"
+#include "tests/unit/posix/Stopwatch.h"
 
 namespace quordalvane::posix {
 namespace {
@@ -63,6 +64,16 @@ TEST(UsbLink, IsNotLostIfThePrinterNeverSends) {
   EXPECT_EQ(driver.link->write(&byte, 1), 1);
 }
 
+TEST(UsbLink, EndsAWaitForBytesIfAMutePrinterIsUnplugged) {
+  DriverLink driver(Descriptor::Kind::MuteUsbPrinter);
+  driver.printer.reset();
+  const Stopwatch watch;
+  driver.link->waitForBytes(30);
+  EXPECT_LT(watch.seconds(), 20);
+  driver.link->noticeLoss();
+  EXPECT_TRUE(driver.link->isLost());
+}
+
 TEST(UsbLink, CountsAnInterruptedTransferAsSent) {
   // Writing to the page at address 0 fails with EIO, like a transfer of the driver that is broken
   // off.
@@ -90,6 +101,8 @@ TEST(UsbLink, IsWriteOnlyIfTheDriverRefusesReads) {
   const auto terminal = test::openPseudoTerminal();
   const Descriptor answering(terminal.master, Descriptor::Kind::Terminal);
   EXPECT_EQ(usbKindOf(answering.number()), Descriptor::Kind::UsbPrinter);
+  const Descriptor folder(::open("/", O_RDONLY | O_CLOEXEC), Descriptor::Kind::Terminal);
+  EXPECT_EQ(usbKindOf(folder.number()), Descriptor::Kind::UsbPrinter) << "another error";
 }
 
 TEST(UsbLink, ReportsAPortStateOnlyForUsbPrinters) {

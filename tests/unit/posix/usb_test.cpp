@@ -311,6 +311,7 @@ TEST_F(UsbTest, AnAccessoryAnnouncesNoProtocolWhileThePrinterIsUnplugged) {
   plugIn(0, till, "S1");
   EXPECT_FALSE(accessory.protocolStrings().empty());
   EXPECT_EQ(accessory.lastError(), "");
+  EXPECT_FALSE(accessory.lastErrorCode());
   pull(0);
   EXPECT_TRUE(accessory.protocolStrings().empty());
 }
@@ -325,6 +326,15 @@ TEST_F(UsbTest, FindsAReplacedPrinterByItsTextsAndNotByItsDeviceFile) {
   plugIn(1, till, "mine");
   EXPECT_EQ(accessory.serialNumber(), "mine");
   EXPECT_FALSE(accessory.protocolStrings().empty());
+}
+
+TEST_F(UsbTest, APrinterWithoutASerialNumberIsReplacedByThePrinterAtItsDeviceFile) {
+  plugIn(0, till, "");
+  UsbAccessory accessory({}, (roots().dev / "usb/lp0").string(), roots());
+  EXPECT_EQ(accessory.modelNumber(), "XQ700");
+  pull(0);
+  plugIn(0, "MDL:T;", "");
+  EXPECT_EQ(accessory.modelNumber(), "T");
 }
 
 TEST_F(UsbTest, NeverConfusesTwoPrintersWithTheSameSerialNumber) {
@@ -356,6 +366,15 @@ TEST_F(UsbTest, ThrowsASystemErrorIfTheDeviceFileVanishesBeforeTheOpen) {
   } catch (const std::system_error& error) {
     EXPECT_EQ(error.code(), std::errc::no_such_file_or_directory);
   }
+}
+
+TEST_F(UsbTest, AnAccessoryReportsWhyItsDeviceFileDidNotOpen) {
+  plugIn(0, till, "A");
+  fs::remove(roots().dev / "usb/lp0");
+  UsbAccessory accessory({}, "A", roots());
+  EXPECT_EQ(accessory.openSession("com.quordalvane.receipt"), nullptr);
+  EXPECT_THAT(accessory.lastError(), HasSubstr("usb/lp0: No such file"));
+  EXPECT_EQ(accessory.lastErrorCode(), std::errc::no_such_file_or_directory);
 }
 
 TEST_F(UsbTest, OpensTheDeviceFileOfThePluggedInPrinter) {
