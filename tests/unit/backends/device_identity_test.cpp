@@ -34,6 +34,19 @@ TEST(DeviceIdentity, FollowsSymbolicLinksOfAPath) {
   EXPECT_NE(identityOf(direct), identityOf("unix:" + folder.file("ttyUSB0")));
 }
 
+TEST(DeviceIdentity, HasThePathAsGivenIfItsLinksFormALoop) {
+  const test::TemporaryFolder folder;
+  const std::string loop = folder.file("loop");
+  std::filesystem::create_symlink(loop, loop);
+  EXPECT_EQ(identityOf("serial:" + loop), "serial:" + loop);
+}
+
+TEST(DeviceIdentity, IsEmptyForAnUnknownScheme) {
+  DeviceSpec spec = parseDeviceSpec("unix:p");
+  spec.scheme = "pigeon";
+  EXPECT_EQ(deviceIdentity(spec), "");
+}
+
 TEST(DeviceIdentity, IsEmptyForTheBuiltInVirtualPrinter) {
   EXPECT_EQ(identityOf("virtual:"), "");
 }

@@ -224,8 +224,8 @@ TEST(DeviceSpec, KeepsTheOrderOfTheVirtualPrintersKeys) {
 }
 
 TEST(DeviceSpec, TheErrorOfAnUnknownSchemeNamesTheKnownSchemes) {
-  for (const char* wrong :
-       {"", ":", "tcp", "virtual", "udp:h:1", "h h", "TCP:h:1", " tcp:h:1", "tcp,:", "pty:"}) {
+  for (const char* wrong : {"", ":", "tcp", "virtual", "udp:h:1", "h h", "TCP:h:1", " tcp:h:1",
+                            "tcp,:", "pty:", "[::1", "a{b"}) {
     EXPECT_THAT(failure(wrong), AllOf(HasSubstr("virtual:"), HasSubstr("tcp:HOST:PORT"),
                                       HasSubstr("unix:PATH"), HasSubstr("serial:PATH")))
         << wrong;
@@ -282,7 +282,8 @@ TEST(HostAndPort, AreSplitAtTheLastColonAndBracketsAreRemoved) {
 }
 
 TEST(HostAndPort, ABracketAtOneEndAndABlankAreRefused) {
-  for (const char* text : {"[::1:9100", "::1]:9100", "a b:9100", "caf\xc3\xa9:9100"}) {
+  for (const char* text :
+       {"[::1:9100", "::1]:9100", "a b:9100", "caf\xc3\xa9:9100", "h\x7f:9100"}) {
     EXPECT_THROW(parseHostAndPort(text), std::invalid_argument) << text;
   }
 }

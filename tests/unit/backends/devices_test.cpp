@@ -76,6 +76,21 @@ TEST(Devices, TheVirtualPrinterIsNotLostBeforeItsFirstSession) {
   EXPECT_TRUE(simulated->isConnected());
 }
 
+TEST(Devices, TheVirtualPrinterIsNotLostAfterTheEndOfItsSession) {
+  const auto simulated = make("virtual:");
+  auto session = simulated->openSession(protocol);
+  ASSERT_NE(session, nullptr);
+  const auto input = session->inputStream();
+  session.reset();
+  simulated->noticeLoss();
+  EXPECT_TRUE(simulated->isConnected());
+}
+
+TEST(Devices, AUsbPrinterIsNotNamedByItsPlaceAlone) {
+  EXPECT_EQ(make("usb:no such printer")->name(), "usb:no such printer");
+  EXPECT_EQ(make("usb:no such printer,name=Till")->name(), "Till");
+}
+
 TEST(Devices, TheErrorOfAnUnknownSchemeNamesTheScheme) {
   DeviceSpec spec = parseDeviceSpec("unix:/a");
   spec.scheme = "pigeon";

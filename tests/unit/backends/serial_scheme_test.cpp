@@ -32,6 +32,7 @@ TEST(DeviceSpec, ASerialLineAcceptsValidFramingAndFlowControl) {
   EXPECT_THAT(parseDeviceSpec("serial:/dev/x,bits=7,parity=even,stop=2,flow=rtscts").options,
               ElementsAre(Pair("bits", "7"), Pair("parity", "even"), Pair("stop", "2"),
                           Pair("flow", "rtscts")));
+  EXPECT_THAT(parseDeviceSpec("serial:/dev/x,stop=1").options, ElementsAre(Pair("stop", "1")));
   EXPECT_THAT(failure("serial:/dev/x,bits=9"), HasSubstr("bits=\"9\": takes the data bits"));
   EXPECT_THAT(failure("serial:/dev/x,parity=yes"),
               HasSubstr(R"("none", "even", "odd", "mark" or "space")"));
