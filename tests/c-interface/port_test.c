@@ -66,12 +66,14 @@ static void TheErrorOfAnUnreachablePrinterNamesItsPlace(void) {
 }
 
 static void AFailedOpenReportsTheReasonOfTheChosenPrinter(void) {
-  const char* const specs[] = {"unix:/no/such/place,name=A,id=7",
-                               "unix:/no/other/place,name=B,id=7"};
-  const char* const names[] = {"BT:A", "BT:B"};
-  const char* const places[] = {"/no/such/place", "/no/other/place"};
-  REQUIRE(quor_connect_devices(specs, 2) == QUOR_OK);
-  for (int i = 0; i < 2; ++i) {
+  const char* const specs[] = {
+      "unix:/no/such/place,name=A,id=7", "unix:/no/other/place,name=B,serial=1,id=7",
+      "unix:/no/third/place,name=B,serial=2,id=7", "unix:/no/fourth/place,name=B,serial=4,id=8"};
+  const char* const names[] = {"BT:A", "BT:B", "BT:2", "BT:4"};
+  const char* const places[] = {"/no/such/place", "/no/other/place", "/no/third/place",
+                                "/no/fourth/place"};
+  REQUIRE(quor_connect_devices(specs, 4) == QUOR_OK);
+  for (int i = 0; i < 4; ++i) {
     QuorPort* port = NULL;
     REQUIRE(quor_port_create(names[i], NULL, 1000, QUOR_EMULATION_LINE, &port) == QUOR_OK);
     EXPECT_FAILURE(quor_port_open(port), QUOR_FAILED, places[i]);
@@ -264,6 +266,20 @@ static void ATransferObserverSeesEveryByteAndCanStopAnOperation(void) {
   done(port);
 }
 
+static void ATransferObserverMayBeOfOneDirectionOnly(void) {
+  QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
+  Traffic traffic = {0, 0, 0};
+  QuorPrinterStatus_2 status = {0};
+  REQUIRE(quor_port_set_transfer_observer(port, countWritten, NULL, &traffic) == QUOR_OK);
+  EXPECT(quor_port_get_parsed_status(port, &status, 0) == QUOR_OK);
+  const size_t request = traffic.out;
+  EXPECT(request > sizeof statusRequest && traffic.in == 0);
+  REQUIRE(quor_port_set_transfer_observer(port, NULL, countRead, &traffic) == QUOR_OK);
+  EXPECT(quor_port_get_parsed_status(port, &status, 0) == QUOR_OK);
+  EXPECT(traffic.out == request && traffic.in == status.rawLength);
+  done(port);
+}
+
 static void* lastErrorThere(void* unused) {
   (void)unused;
   return (void*)quor_last_error();
@@ -303,6 +319,7 @@ const Sentence portSentences[] = {SENTENCE(APortNeedsDevices),
                                   SENTENCE(ACheckedBlockOnAnOffLinePrinterIsRefusedByItsResultCode),
                                   SENTENCE(ACheckedBlockReportsPaperInTheExitByItsResultCode),
                                   SENTENCE(ATransferObserverSeesEveryByteAndCanStopAnOperation),
+                                  SENTENCE(ATransferObserverMayBeOfOneDirectionOnly),
                                   SENTENCE(EachThreadHasItsOwnLastError),
                                   SENTENCE(TheVersionIsTheVersionOfTheProject),
                                   {NULL, NULL}};
