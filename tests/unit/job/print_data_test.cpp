@@ -270,6 +270,7 @@ TEST(InOrderRequests, CannotBeCountedInDataWithAQuestionAboutGraphics) {
     const auto count = inOrderRequestsIn(Bytes{0x1d, 0x28, 0x4c, 0x02, 0x00, 0x30, byte});
     EXPECT_EQ(count.has_value(), !questions.contains(function)) << function;
   }
+  EXPECT_TRUE(inOrderRequestsIn(Bytes{0x1d, 0x28, 0x4c, 0x01, 0x00, 0x30})) << "no function";
 }
 
 TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrARequestWithASimilarAnswer) {

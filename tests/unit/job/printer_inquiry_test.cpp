@@ -142,6 +142,22 @@ TEST(PrinterInquiry, DoesNotReadTheOnlineStateFromPartOfALateAnswer) {
   }
 }
 
+TEST(PrinterInquiry, AsksForTheOnlineStateAgainAfterBytesThatAreNotAnAnswer) {
+  Script script;
+  script.whenAsked(
+      statusRequest,
+      {{bytes("8c 01"), 0.0}, {bytes("12 12 12"), 0.15}, {bytes("12 12 12 12 12 12 12 55"), 0.5}});
+  for (const char* const query : {"10 04 01", "10 04 02", "10 04 04"}) {
+    script.whenAsked(bytes(query), {{bytes("1a"), 0.5}});
+    script.whenAsked(bytes(query), {{bytes("1a"), 0.5}});
+    script.wheneverAsked(bytes(query), {{bytes("1a"), 0.0}});
+  }
+  Asked asked(script, ZKEmulationESCPOS, 5000);
+  const auto start = asked.now();
+  EXPECT_FALSE(asked.inquiry.isOnline());
+  EXPECT_GE(asked.now() - start, std::chrono::seconds(5)) << "such bytes end no wait for an answer";
+}
+
 TEST(PrinterInquiry, AsksForTheOnlineStateTwiceIfBothAnswersAreComplete) {
   Asked asked(Script().wheneverAsked(statusRequest, {{onLine, 0.0}}));
   EXPECT_TRUE(asked.inquiry.isOnline());
@@ -194,6 +210,13 @@ TEST(PrinterInquiry, RefusesAnAnswerThatIsNotAButtonSecurityTimeout) {
     EXPECT_EQ(causeOf([&] { asked.inquiry.buttonSecurityTimeout(); }), InquiryCause::NotUnderstood)
         << answer;
   }
+}
+
+TEST(PrinterInquiry, FailsIfThePrinterIsSilent) {
+  Asked silent{Script()};
+  EXPECT_EQ(causeOf([&] { silent.inquiry.buttonSecurityTimeout(); }), InquiryCause::NoAnswer);
+  Asked inEscPos(Script(), ZKEmulationESCPOS);
+  EXPECT_EQ(causeOf([&] { inEscPos.inquiry.isOnline(); }), InquiryCause::NoAnswer);
 }
 
 TEST(PrinterInquiry, ReturnsTheFirmwareInBothEmulations) {
@@ -254,6 +277,9 @@ TEST(PrinterInquiry, CanMakeThePrinterDropAllData) {
 TEST(PrinterInquiry, ReportsThatTheLinkDidNotTakeAWholeCommand) {
   Asked asked(Script().hasNoSpace());
   EXPECT_EQ(causeOf([&] { asked.inquiry.dropAll(); }), InquiryCause::NoAnswer);
+  Asked inEscPos(Script().hasNoSpace(), ZKEmulationESCPOS);
+  EXPECT_EQ(causeOf([&] { inEscPos.inquiry.isOnline(); }), InquiryCause::NoAnswer);
+  EXPECT_EQ(causeOf([&] { inEscPos.inquiry.proof(); }), InquiryCause::NoAnswer);
 }
 
 // The port repeats its write without a time-out once the link has taken a part of a command.

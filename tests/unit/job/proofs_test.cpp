@@ -147,6 +147,12 @@ TEST(NamedProof, TheValueNoneLeavesTheJobUnconfirmed) {
   EXPECT_EQ(result.proof, ProofKind::None);
 }
 
+TEST(NamedProof, TheValueNoneNeedsNoEmulation) {
+  Till till(PrinterBuilder(), {.emulation = ZKEmulationUnknown, .proof = ProofKind::None});
+  EXPECT_THAT(PrintJob(till.port).run(receiptText).reason,
+              testing::HasSubstr("no confirmation was requested"));
+}
+
 TEST(ProofName, IdentifiesItsProof) {
   for (const ProofWords& proof : proofWords) {
     EXPECT_EQ(proofNamed(proof.name), proof.kind);
@@ -323,6 +329,56 @@ TEST(ProcessIds, AreNewForEachJobAndReproducibleInVirtualTime) {
       EXPECT_TRUE(character >= 0x20 && character <= 0x7e);
     }
   }
+}
+
+TEST(LineModeBlock, IsRefusedIfAnotherHostEndsItsJobWhileTheBlockBegins) {
+  bool isRefused = false;
+  for (milliseconds moment(0); !isRefused && moment < seconds(3); moment += milliseconds(10)) {
+    Till till(ZKEmulationQuorLine);
+    till.reopenWith(with("late-reply", "200"));
+    till.at(moment, [&till] {
+      till.accessory->withPrinter([](simulator::VirtualPrinter& printer, auto now) {
+        constexpr std::uint8_t markOfTheOther[] = {0x17};
+        printer.receive(markOfTheOther, now);
+      });
+    });
+    const PrintResult result = till.print(receiptText);
+    constexpr unsigned ofBothHosts = 2;
+    isRefused = result.outcome == PrintOutcome::Refused && result.status &&
+                result.status->etbCounter == ofBothHosts;
+  }
+  EXPECT_TRUE(isRefused);
+}
+
+TEST(InOrderProof, IsGivenUpIfAnAnswerThatNobodyAskedForArrivesDuringTheData) {
+  Till till = tillWith(printerWith("in-order"));
+  till.reopenWith(with("no-space", "30:2000"));
+  till.at(milliseconds(1000), [&till] {
+    till.accessory->withPrinter([](simulator::VirtualPrinter& printer, auto now) {
+      constexpr std::uint8_t answer[] = {0x00};
+      printer.reply(answer, now);
+    });
+  });
+  const PrintResult result = PrintJob(till.port, {.proof = ProofKind::InOrder}).run(receiptText);
+  EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
+  EXPECT_THAT(result.reason, testing::StartsWith("before the job, the printer did not answer"));
+}
+
+TEST(ProcessIds, AreNotIdsThatTheDataItselfAsksFor) {
+  ByteBuffer data;
+  {
+    test::VirtualPlatform sameNumbers;
+    for (int i = 0; i < 20; ++i) {
+      const auto command = processIdCommand(randomProcessId(sameNumbers));
+      data.insert(data.end(), command.begin(), command.end());
+    }
+  }
+  data.insert(data.end(), 200, 'x');
+  Till till = tillWith(printerWith("process-id").speed(100));
+  const PrintResult result = PrintJob(till.port, {.proof = ProofKind::ProcessId}).run(data);
+  EXPECT_EQ(result.outcome, PrintOutcome::Printed) << result.reason;
+  const ByteBuffer paper = till.printed();
+  EXPECT_EQ(std::count(paper.begin(), paper.end(), 'x'), 200);
 }
 
 TEST(InOrderProof, ConfirmsNoDataThatAsksQuestionsWithSimilarAnswers) {
