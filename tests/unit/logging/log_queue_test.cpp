@@ -48,6 +48,14 @@ TEST_F(LogQueueTest, DiscardsRecordsUntilItIsOpened) {
   EXPECT_THAT(messages(take()), ElementsAre("kept"));
 }
 
+TEST_F(LogQueueTest, KeepsItsRecordsIfItIsOpenedAgain) {
+  queue_.open();
+  push("a");
+  queue_.open();
+  push("b");
+  EXPECT_THAT(messages(take()), ElementsAre("a", "b"));
+}
+
 TEST_F(LogQueueTest, ReturnsAllRecordsInOrder) {
   queue_.open();
   push("a");
