@@ -4,7 +4,7 @@ ends, the C interface and the virtual printer's replies.
 Usage: coverage.py BUILD, a folder built by the coverage preset. Runs its test programs and counts each way that
 a condition in the sources can take. Clang counts the branches of the sources, not of the machine code: branches
 that a compiler adds for exceptions and for the destruction of temporaries are omitted. Conditions that are
-constants, as in `while (true)`, are omitted, because they have only one outcome.
+constants, as in `while (true)` and `if constexpr`, are omitted, because they have only one outcome.
 
 Prints each branch that no test takes, with its explanation from uncovered.md. Fails when one is not explained,
 when an explanation belongs to no such branch, when the tests take fewer than 95 of 100 branches of a room, or fewer
@@ -89,6 +89,10 @@ def branches(file: dict) -> dict[tuple[int, int], list[int]]:
     return found
 
 
+def is_constant(line: str) -> bool:
+    return line.strip() == "while (true) {" or "if constexpr (" in line
+
+
 def explanations() -> dict[str, str]:
     """The explanations, by file, line of code and outcome of the condition."""
     rows = (Path(__file__).parent / "uncovered.md").read_text().splitlines()
@@ -111,7 +115,7 @@ def main() -> int:
             continue
         source = (ROOT / path).read_text().splitlines()
         for (line, _), counts in sorted(branches(file).items()):
-            if source[line - 1].strip() == "while (true) {":
+            if is_constant(source[line - 1]):
                 continue
             everything[room] += 2
             taken[room] += sum(count > 0 for count in counts)
