@@ -21,6 +21,7 @@
 #include "tests/support/Eventually.h"
 #include "tests/support/PseudoTerminal.h"
 #include "tests/unit/posix/LineSpeed.h"
+#include "tests/unit/posix/OtherProgram.h"
 #include "tests/unit/posix/SystemCalls.h"
 
 namespace quordalvane::posix {
@@ -253,44 +254,9 @@ TEST(SerialLine, NeedsNoDriverThatHasAnExclusiveMode) {
   }
 }
 
-bool lock(int line) {
-  return ::flock(line, LOCK_EX) == 0;
-}
-
 bool makeExclusive(int line) {
   return ::ioctl(line, TIOCEXCL) == 0;
 }
-
-/// A process that holds the line, as another program would, until it is destroyed.
-class OtherProgram {
- public:
-  explicit OtherProgram(const std::string& path, bool (*hold)(int line) = lock) {
-    int ready[2];
-    EXPECT_EQ(::pipe2(ready, O_CLOEXEC), 0);
-    process_ = ::fork();
-    if (process_ == 0) {
-      const int line = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-      const bool isHeld = hold(line) && ::write(ready[1], "x", 1) == 1;
-      while (isHeld) {
-        ::pause();
-      }
-      ::_exit(1);
-    }
-    char byte = 0;
-    EXPECT_EQ(::read(ready[0], &byte, 1), 1);
-    ::close(ready[0]);
-    ::close(ready[1]);
-  }
-  ~OtherProgram() {
-    ::kill(process_, SIGKILL);
-    ::waitpid(process_, nullptr, 0);
-  }
-
-  pid_t process() const { return process_; }
-
- private:
-  pid_t process_ = -1;
-};
 
 TEST(SerialLine, NamesTheProgramThatUsesTheLine) {
   const Line line;
