@@ -91,7 +91,7 @@ class Kiosk(ProgramTest):
         printer = Program(self, QUORPORT, "simulate", "--listen", f"unix:{self.folder}/printer", "--receipts", paper)
         device = printer.line().removeprefix("listening ")
         receipts = [f"receipt-{number}." for number in range(4)]
-        for killed_after in range(len(receipts)):  # receipts; the process dies while it prints the next one
+        for killed_after in range(len(receipts)):  # how many receipts the kiosk reports before it is killed
             kiosk = Program(self, EXAMPLES / "kiosk", device, self.folder / "jobs.db")
             for receipt in receipts:
                 kiosk.write(receipt)

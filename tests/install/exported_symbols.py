@@ -15,8 +15,8 @@ def exported(library: Path) -> list[str]:
     """The exported names in their linked form; each C++ name is followed by its readable form."""
     table = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True)
     rows = [row.split() for row in table.stdout.splitlines()]
-    # The type A is the version itself. Weak names are omitted, because they depend on the code that the compiler
-    # inlines.
+    # The name of the library's symbol version has the type A; it is omitted. Weak names are omitted because they
+    # depend on the code that the compiler inlines.
     names = sorted(name.split("@")[0] for _, kind, name in rows if kind not in "AVWu")
     readable = subprocess.run(["c++filt"], input="\n".join(names), check=True, capture_output=True, text=True)
     meanings = readable.stdout.splitlines()

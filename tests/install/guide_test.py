@@ -1,8 +1,9 @@
 """The guides and the README are true: each command in them is run, and prints the output that they show.
 
-A block of kind "console" is run in a shell of its own, in a folder that holds the examples; a line that
+A block of kind "console" is run in a shell of its own, in a folder that holds the examples. A line that
 begins with "$ " is a command; the lines after it are its output. A "…" matches any text. A command
-that ends in "&" runs until the block ends, and has printed its lines before the next begins.
+that ends in "&" runs until its block ends. The block's next command begins after this command has
+printed the lines that the guide shows.
 """
 
 import os
@@ -16,7 +17,7 @@ from pathlib import Path
 
 from programs import DEADLINE, QUORPORT, SOURCES, ProgramTest
 
-PORTS = ("9100", "9101", "9102", "8080")  # the ports in the pages; on this machine other programs may use them
+PORTS = ("9100", "9101", "9102", "8080")  # replaced by free ports, because other programs may use these
 READERS_PRINTER = "192.0.2.10"  # an address that nobody has
 RECEIPT = SOURCES / "examples/receipt.txt"
 PAGES = [SOURCES / "README.md", *sorted((SOURCES / "docs").glob("*.md"))]
@@ -34,7 +35,7 @@ RUN_ELSEWHERE = ("javascript", "python", "sh")
 # Bluetooth, which the tests in the virtual machine cover.
 ELSEWHERE = re.compile(r"\./dev \w+|git clone |cd |cmake --install |quorport (--device YOUR-PRINTER|-d bluetooth:\S+) ")
 
-AT_ONCE = 3  # runs at a time; most of them wait for their printers
+AT_ONCE = 3  # how many blocks or rows run at the same time; most of them wait for their printers
 
 # A machine without the fonts first prints a warning; the guides show the output of a machine that has them.
 FONT_HINT = re.compile(r"^quorport: no font on this machine has .*\n", re.M)
@@ -56,7 +57,10 @@ def pieces(block: str) -> list[tuple[str, str]]:
 
 
 def script(wanted: list[tuple[str, str]]) -> str:
-    """Runs the commands, each with the exit status of the one before it in $?, and marks the end of each."""
+    """A shell script that runs the commands and prints a NUL byte after each command's output.
+
+    In each command, $? is the exit status of the command before it.
+    """
     lines = ["last=0"]
     for number, (command, output) in enumerate(wanted):
         if command.endswith("&"):
@@ -64,7 +68,7 @@ def script(wanted: list[tuple[str, str]]) -> str:
             lines.append(f": > {shown}; {command[:-1]} > {shown} 2>&1 &")
             lines.append(WAIT_FOR_LINES.format(shown, output.count("\n")))
         else:
-            # A served printer tears a receipt off when it has seen the end of the connection.
+            # The virtual printer writes a receipt after its connection has ended, so the file may appear late.
             lines += [f"until [ -s {paper} ]; do sleep 0.01; done" for paper in re.findall(r"paper/\S+", command)]
             lines += ["(exit $last)", command, "last=$?"]
         lines.append(r"printf '\0'")
@@ -130,12 +134,12 @@ class Guides(ProgramTest):
 
 class DecisionTable(ProgramTest):
     def print_at(self, row: re.Match[str], number: int) -> tuple[subprocess.CompletedProcess, list[str]]:
-        """A job on the row's printer, and the errors in its log."""
+        """Prints on the printer that this row of the table names. Returns the result and the errors in the job's log."""
         job = RECEIPT
         if row["says"].endswith("cannot be confirmed"):
             job = self.folder / f"job{number}"
             job.write_bytes(b"\x17")
-        # If something happens in the middle of the job, the time-out must not be earlier.
+        # A printer with "at=" fails in the middle of the job; a short time-out might end the job before that.
         timeout = [] if "at=" in row["device"] else ["-t", "2000"]
         log = self.folder / f"log{number}"
         result = self.run_program(QUORPORT, "-d", row["device"], *timeout, "--log", log, "print", job)

@@ -39,7 +39,7 @@ def schemes() -> list[str]:
 
 
 def settings() -> list[str]:
-    """The keys that a served printer takes, each with its equals sign: its state, its faults and their seed."""
+    """The keys that `simulate --set` accepts, each with an equals sign: the printer's state, the faults, and `seed`."""
     refusal = subprocess.run([QUORPORT, "simulate", "--listen", "tcp:", "--set", "nonsense=1"], capture_output=True, text=True)
     state = refusal.stderr.partition("; there are ")[2].strip().split(", ")
     faults = re.findall(r'FaultKind::\w+, "([\w-]+)"', (SOURCES / "simulator/Faults.cpp").read_text())

@@ -1,6 +1,6 @@
-"""Shared by the tests of installed programs: running one, reading it line by line, a printer to connect to.
+"""Helpers for tests of installed programs. They run a program, read its output line by line, and start a virtual printer.
 
-Nothing here sleeps for a fixed time: everything waits for a line or an end, and gives up at a deadline.
+Nothing here sleeps for a fixed time: each wait ends with a line of output, with the end of a program, or at a deadline.
 """
 
 import os
@@ -18,7 +18,7 @@ DEADLINE = 30  # seconds; far beyond the time of any test here
 
 
 class Program:
-    """A program that runs, read line by line; ended with the test at the latest."""
+    """A running program, whose output is read line by line. It is killed when the test ends, or earlier by `end`."""
 
     def __init__(self, test: unittest.TestCase, *command):
         self.process = subprocess.Popen(
@@ -54,7 +54,7 @@ class ProgramTest(unittest.TestCase):
         self.folder = Path(folder.name)
 
     def printer(self, listen: str) -> tuple[Program, str]:
-        """A printer that is served until the test ends, and the text of the device."""
+        """Starts a virtual printer, which runs until the test ends. Returns its program and its device name."""
         program = Program(self, QUORPORT, "simulate", "--listen", listen)
         return program, program.line().removeprefix("listening ")
 
