@@ -1,6 +1,6 @@
-"""Every open, write, sync and truncation below the journal of a command fails, one after the other.
+"""In each run, another call on the files of a command's journal fails: an open, a write, a sync or a truncation.
 
-Either the command ends with 7 and has sent nothing, or it reports the true outcome. The next
+Either the command ends with status 7 and has sent nothing, or it reports the true outcome. The next
 start finds an undamaged journal.
 """
 
@@ -25,8 +25,8 @@ class StorageSweep(Case):
                    env=environment)
 
     def fail_at(self, call: int, later: dict[str, str]) -> bool:
-        """Runs a command whose disk fails at that call, and then one on a sound disk. False if the call was
-        never made."""
+        """Runs a command on a disk that fails at the call with this number, and then a second command on a sound
+        disk. Returns false if the first command made fewer calls."""
         journal, before = self.folder / f"{call}{later}.db", self.paper()
         first = self.print_job(journal, LD_PRELOAD=os.environ["FAULTY_STORAGE"], QUOR_FAILING_CALL=str(call),
                                QUOR_STORAGE_CALLS=str(self.calls), ASAN_OPTIONS="verify_asan_link_order=0", **later)

@@ -70,7 +70,8 @@ class KillSweep(Case):
 
         for call in range(1, count + 1, step):
             try_kill_at(call)
-        # If the first byte and the outcome are only a few calls apart, no call of the sweep may be between them.
+        # If the first byte and the outcome are only a few calls apart, the sweep may have skipped the calls between
+        # them. For this case, each call is tried from the last backwards until an outcome is unconfirmed.
         for call in range(count, 0, -1):
             if outcomes["unconfirmed"]:
                 break

@@ -1,4 +1,4 @@
-// Every open, write, sync and truncation below the journal fails, one after the other.
+// In each run, another call on the journal's files fails: an open, a write, a sync or a truncation.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,8 +18,8 @@ struct Setting {
 
 class StorageSweep : public JournalCase, public testing::WithParamInterface<Setting> {
  protected:
-  /// Runs a job under a name on a disk that fails at that call, and then checks the result of the
-  /// next start on a sound disk. False if the call was never made.
+  /// Runs a job under a name on a disk that fails at the call with this number, and then checks the
+  /// result of the next start on a sound disk. Returns false if the job made fewer calls.
   bool failAt(std::uint64_t call) {
     Till till(GetParam().emulation);
     std::filesystem::remove_all(folder.file(""));
