@@ -57,8 +57,8 @@ inline int threadCount() {
   return count;
 }
 
-/// The number of threads before a test makes any. A sanitizer may start a thread of its own with
-/// the first one.
+/// The number of threads before a test starts any. A sanitizer may start a thread of its own with
+/// the first thread that a process starts, so this function starts one and joins it.
 inline int threadsAtRest() {
   pid_t id = 0;
   std::thread([&id] { id = gettid(); }).join();
@@ -68,7 +68,8 @@ inline int threadsAtRest() {
   return threadCount();
 }
 
-/// Port threads end within a slice after the close; on a loaded machine they may take longer.
+/// Waits until at most `count` threads run; returns false if more run after 30 s. The thread of a
+/// port ends within 0.1 s after the close, but may take longer on a loaded machine.
 inline bool threadsComeBackTo(int count) {
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
   while (threadCount() > count && std::chrono::steady_clock::now() < deadline) {

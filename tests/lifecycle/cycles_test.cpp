@@ -15,7 +15,8 @@
 namespace quordalvane::test {
 namespace {
 
-/// How many ports main releases before it counts the threads: each thread still runs for a slice.
+/// How many ports a test releases before it counts the threads. It does not count after each port,
+/// because the thread of a released port runs for up to 0.1 s more.
 constexpr std::uint64_t cyclesBetweenCounts = 500;
 
 TEST(OpenAndClose, LeaveNoThreadIfTheMainThreadCallsThem) {
