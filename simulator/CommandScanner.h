@@ -18,7 +18,8 @@ class CommandScanner {
   /// Adds the next byte. Returns true if the byte completes a command.
   bool feed(std::uint8_t byte);
 
-  /// Returns the bytes of the current command. A complete command can be read until the next byte.
+  /// Returns the bytes of the current command. A complete command remains available until `feed`
+  /// adds the next byte.
   const Bytes& bytes() const { return bytes_; }
 
   /// Returns the effect of the complete command on the printer.

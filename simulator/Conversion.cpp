@@ -41,8 +41,8 @@ char32_t Conversion::characterOf(ByteView bytes) {
   char* out = reinterpret_cast<char*>(characters.data());
   std::size_t room = sizeof characters;
   constexpr auto failed = static_cast<std::size_t>(-1);
-  // The second call makes the converter output a letter that it holds back: in some encodings an
-  // accent may follow.
+  // In some encodings an accent may follow a letter, so the converter holds the letter back. The
+  // second call fetches this letter.
   const bool isWhole = ::iconv(converter_.get(), &in, &unread, &out, &room) != failed &&
                        ::iconv(converter_.get(), nullptr, nullptr, &out, &room) != failed;
   ::iconv(converter_.get(), nullptr, nullptr, nullptr, nullptr);

@@ -24,8 +24,8 @@ std::optional<std::uint64_t> number(
   return value && *value <= most ? value : std::nullopt;
 }
 
-// Removes the last `mark` and the text after it from `text`, and returns this text; empty if there
-// is no mark.
+// Shortens `text` to the part before its last `mark`, and returns the part after the mark. Without
+// a mark, `text` remains unchanged and the result is empty.
 std::optional<Text> takeTail(Text& text, char mark) {
   const std::size_t at = text.rfind(mark);
   if (at == Text::npos) {

@@ -12,11 +12,11 @@
 
 namespace quordalvane::simulator {
 
-/// What happens to sent but unread bytes when a link ends.
+/// When a link ends: what happens to the bytes that the printer has sent and the host has not read.
 enum class Ending {
-  Drain,   ///< the bytes can still be read
-  AtOnce,  ///< the bytes are lost
-  Reset,   ///< the bytes are lost, and the host sees a reset
+  Drain,   ///< the host can still read these bytes
+  AtOnce,  ///< these bytes are lost
+  Reset,   ///< these bytes are lost, and the host sees a reset
 };
 
 enum class FaultKind {

@@ -17,11 +17,12 @@ unsigned word(ByteView bytes, std::size_t at) {
   return bytes[at] + 256U * bytes[at + 1];
 }
 
-// The key of an image is the sum of two numbers: one of these, which stands for the image's memory,
-// and the number or the two bytes that name the image in this memory.
-constexpr unsigned keptMemory = 1U << 16U;       // graphics that survive an initialisation
-constexpr unsigned downloadMemory = 2U << 16U;   // graphics that do not survive it
-constexpr unsigned numberedMemory = 3U << 16U;   // images of 1c 71, which survive it
+// The key of an image is the sum of two numbers. The first is one of the next four constants and
+// stands for the image's memory. The second is the image's number or two-byte name in this memory,
+// or 0 if the memory has only one image.
+constexpr unsigned keptMemory = 1U << 16U;       // graphics that an initialisation keeps
+constexpr unsigned downloadMemory = 2U << 16U;   // graphics that an initialisation removes
+constexpr unsigned numberedMemory = 3U << 16U;   // images of 1c 71, which an initialisation keeps
 constexpr unsigned downloadedImage = 4U << 16U;  // the one image of the command 1d 2a
 constexpr unsigned memorySize = 1U << 16U;
 

@@ -52,10 +52,10 @@ class GraphicsMemory {
   /// group, and 15 asks for the same group again. The answer is empty if there is no such group.
   Bytes reply(ByteView command);
 
-  /// Forgets the groups of names that were not sent, because the host does not want them.
+  /// Forgets the groups of names. To be called when the host asks for no further group.
   void cancelNames() { groups_.clear(); }
 
-  /// Removes the images that do not survive an initialisation of the printer.
+  /// Removes the images that an initialisation of the printer does not keep.
   void initialise();
 
  private:
@@ -76,7 +76,7 @@ class GraphicsMemory {
   Image buffer_;
   Image image_;
   std::map<unsigned, Image> stored_;
-  std::deque<Bytes> groups_;  // groups of names; the front one was sent last
+  std::deque<Bytes> groups_;  // the latest sent group of names, then the unsent groups
 };
 
 }  // namespace quordalvane::simulator

@@ -29,7 +29,8 @@ class JobRecord {
   /// An event that prints nothing. Events are in the order in which the printer executed them.
   struct Event {
     EventKind kind;
-    /// The display's text, the question in hex, or, for `Replaced`, the two forms.
+    /// For `Display`, the displayed text. For `Question`, the command in hex. For `Replaced`, the
+    /// form that the job asked for and the form that was printed.
     std::string text;
   };
 

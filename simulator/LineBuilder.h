@@ -47,7 +47,7 @@ class LineBuilder {
   void setWidth(unsigned dots) { width_ = dots; }
   void setUpsideDown(bool upsideDown) { upsideDown_ = upsideDown; }
 
-  /// Returns the place of the next line, image or symbol across the paper.
+  /// Returns the horizontal place of the next line, image or symbol.
   Place place() const { return {alignment_, left_, room()}; }
 
   void setSpacing(unsigned dots) { spacing_ = dots; }

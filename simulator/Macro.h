@@ -7,9 +7,9 @@
 
 namespace quordalvane::simulator {
 
-/// A macro: the commands between two commands 1d 3a (hex), which the command 1d 5e executes again.
-/// While the job defines the macro, its commands are executed as usual. A macro outlives its job
-/// and an initialisation.
+/// A macro: the commands that a job sends between two commands 1d 3a (hex). While the job defines
+/// the macro, the commands are executed as usual. The command 1d 5e executes them again. A macro
+/// outlives its job and an initialisation.
 class Macro {
  public:
   /// Executes the command 1d 3a: begins a definition, or ends the current one.

@@ -19,8 +19,8 @@ class MultiByteText {
   /// Returns true if a multi-byte character can begin with this byte.
   bool begins(std::uint8_t byte) const;
 
-  /// Returns the length in bytes of the character at the start of `bytes`, at least one; 0 if there
-  /// is no such character.
+  /// Returns the length in bytes of the character at the start of `bytes`; 0 if there is no such
+  /// character. `bytes` must not be empty.
   std::size_t lengthOf(ByteView bytes) const;
 
   /// Returns the character that `bytes` encode; `noCharacter` if there is none.

@@ -176,9 +176,9 @@ struct Page {
 
 using PaperItem = std::variant<Line, Symbol, Feed, MoveTo, Page, Cut>;
 
-/// The greatest weight of a paper: the memory of its items, in bytes. A heavier paper is torn off,
-/// so that even the longest job takes no more memory. The weight is enough for about five thousand
-/// lines of text, or seven metres of image.
+/// The greatest weight of a paper. The weight is the memory of the paper's items, in bytes. A
+/// heavier paper is torn off, so that even the longest job takes no more memory. The limit is
+/// enough for about five thousand lines of text, or seven metres of image.
 inline constexpr std::size_t heaviestPaper = std::size_t{4} * 1024 * 1024;
 
 /// The greatest length of a paper in dots. It is fifty metres, the length of a roll.
@@ -221,7 +221,7 @@ class Paper {
   /// Returns the greatest length that the paper can have, in dots.
   std::uint64_t length() const { return length_; }
 
-  /// Returns true if a printer tears the paper off before it prints more.
+  /// Returns true if the paper exceeds a limit. A printer then tears it off before it prints more.
   bool isTooLong() const { return weight_ > heaviestPaper || length_ > longestPaper; }
 
   /// Returns true if the paper was torn off because it reached a limit. The job then continues on

@@ -31,8 +31,8 @@ class PrintQueue {
   /// empty while the printing is stopped.
   std::optional<Instant> doneWith(std::size_t count) const;
 
-  /// Starts or stops the printing, or changes its speed in bytes a second (0: unlimited). All bytes
-  /// that were done by `now` must have been taken before.
+  /// Starts or stops the printing, or changes its speed in bytes a second (0: unlimited). The
+  /// caller must first take all bytes that are finished by `now`.
   void run(bool running, std::uint32_t bytesPerSecond, Instant now);
 
  private:

@@ -35,9 +35,9 @@ class PrinterLink {
   /// full, and 0 after the link has dropped.
   std::size_t space(Instant now);
 
-  /// Sends bytes to the printer. Returns how many of the first bytes were accepted, normally at
-  /// most `space(now)`. A printer whose buffer is full still accepts requests, if no other bytes
-  /// precede them.
+  /// Sends bytes to the printer, which may accept only the first of them. Returns the count of
+  /// accepted bytes, normally at most `space(now)`. A printer whose buffer is full still accepts
+  /// requests, if no other bytes precede them.
   std::size_t write(ByteView bytes, Instant now);
 
   /// Returns the count of bytes that can be read now.
@@ -71,7 +71,7 @@ class PrinterLink {
   std::optional<Instant> nextEvent(Instant now);
 
  private:
-  struct Coming {  // a setting or fault that the fault `at` delays
+  struct Coming {  // a setting or fault that will be applied later, by the fault `at`
     Instant due;
     std::string key;
     std::string value;
@@ -82,7 +82,7 @@ class PrinterLink {
     std::optional<Instant> until;  // the end of the stall; empty until it has begun
   };
   struct Cut {
-    FaultKind kind;  // whether received or sent bytes are counted
+    FaultKind kind;  // `CutAfterIn` counts received bytes, `CutAfterOut` sent bytes
     std::uint64_t afterBytes;
     Ending ending;
   };

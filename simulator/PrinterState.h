@@ -66,8 +66,8 @@ struct SettingForm {
   enum class Kind { Flag, Number, Text };
   std::string_view key;
   Kind kind = Kind::Text;
-  std::uint32_t least = 0;  ///< the least value of a number
-  /// The greatest value of a number, or the length of a text; 0: no limit.
+  std::uint32_t least = 0;  ///< for a number: the least value
+  /// For a number: the greatest value. For a text: the greatest length. 0 means no limit.
   std::uint32_t most = 0;
   std::string_view about;                   ///< the setting's meaning, in a few words
   std::vector<std::string_view> choices{};  ///< the usual values; may be empty

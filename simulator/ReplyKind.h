@@ -5,13 +5,13 @@
 
 namespace quordalvane::simulator {
 
-/// The kinds of replies that faults distinguish.
+/// The kinds of replies. A fault can be limited to replies of one kind.
 enum class ReplyKind {
   Other,
   Block,      ///< the report of an ETB in a checked block
   ProcessId,  ///< the process ID that the printer sends back
   InOrder,    ///< the status that a request in the print data asked for
-  Unasked,    ///< four bytes that report a change, without a request
+  Unasked,    ///< four bytes that report a change and answer no request
   Cleared,    ///< the report that the buffer was cleared
 };
 

@@ -18,7 +18,7 @@ void changeId(Bytes& report, std::mt19937_64& chance) {
   character = character == last ? first : static_cast<std::uint8_t>(character + 1);
 }
 
-// Returns the reply of the same kind that would belong to another host's job.
+// Changes `reply` to a reply of the same kind for another host's job, and returns it.
 Bytes anothers(ReplyKind kind, Bytes reply, std::mt19937_64& chance) {
   if (kind == ReplyKind::ProcessId) {
     changeId(reply, chance);

@@ -34,15 +34,16 @@ Bytes etbReport(const PrinterState& state);
 /// Returns the reply to a process-ID command, which contains the four characters of the command.
 Bytes processIdReport(ByteView command);
 
-/// Returns the in-order status: the byte by which the printer answers a status request 1d 72, 1b 75
-/// or 1b 76, about the paper or the drawer, after it has printed all earlier data.
+/// Returns the in-order status: one byte that answers a status request 1d 72, 1b 75 or 1b 76. The
+/// request asks about the paper or the drawer. The printer answers it after it has printed all
+/// earlier data.
 Bytes inOrderStatus(const PrinterState& state, ByteView command);
 
 /// Returns the answer to a command 1d 28 45 that begins a change of settings, or asks for the value
 /// of a memory switch or of another setting. All these values are 0.
 Bytes settingReply(ByteView command);
 
-/// Returns the four bytes that report a change without a question.
+/// Returns the four bytes that the printer sends, without a request, when its state changes.
 Bytes unaskedStatus(const PrinterState& state);
 
 /// Returns the reply that reports that the buffer was cleared.

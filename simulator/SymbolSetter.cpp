@@ -124,7 +124,8 @@ bool isPdf417(const Symbol& symbol) {
   return symbol.symbology == Symbology::Pdf417 || symbol.symbology == Symbology::TruncatedPdf417;
 }
 
-// Sets the width of a module in dots, and keeps the row's height in modules.
+// Sets the width of a module in dots. The row's height in dots changes, but its height in modules
+// does not.
 void setModuleWidth(Symbol& symbol, unsigned dots) {
   const unsigned rowInModules = std::max(symbol.rowHeight / symbol.moduleWidth, 1U);
   symbol.moduleWidth = dots;
@@ -252,7 +253,7 @@ SymbolSetter::Outcome SymbolSetter::storeData(Symbol& symbol, ByteView command) 
   if (symbol.symbology == Symbology::Composite) {
     return storeComposite(symbol, command);
   }
-  // The parameters of a DataBar symbol name its form before the data.
+  // A DataBar symbol has one more parameter before the data: its form.
   const bool isDataBar = command[5] == 51;
   const std::size_t begin = isDataBar ? 9 : 8;
   if (command.size() < begin || command.size() - begin > mostData) {

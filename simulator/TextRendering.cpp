@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned cell = 12;  // the width of a column in dots
 
-// The most empty lines that show a feed; a longer feed is described in words.
+// A feed is shown as empty lines, at most this number. A longer feed is described in words.
 constexpr unsigned mostEmptyLines = 12;
 constexpr unsigned dotsPerMillimetre = 8;
 

@@ -16,8 +16,8 @@ namespace quordalvane::simulator {
 
 /// The settings that apply only to multi-byte characters.
 struct KanjiStyle {
-  std::uint8_t width = 1;  ///< a factor, as is the height
-  std::uint8_t height = 1;
+  std::uint8_t width = 1;   ///< a multiple of the usual width
+  std::uint8_t height = 1;  ///< a multiple of the usual height
   std::uint8_t underline = 0;
   unsigned spacing = 0;
 };

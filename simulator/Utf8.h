@@ -19,8 +19,8 @@ std::u32string fromUtf8(std::string_view bytes);
 /// control characters.
 std::optional<std::u32string> wholeUtf8(std::string_view bytes);
 
-/// Returns the count of bytes at the start of a run that can be converted without splitting a
-/// character whose end has not arrived.
+/// Returns how many bytes of `run` can already be converted. The other bytes, at its end, are the
+/// beginning of a character whose last bytes have not arrived.
 std::size_t wholeCharactersIn(std::string_view run);
 
 }  // namespace quordalvane::simulator

@@ -160,7 +160,7 @@ void VirtualPrinter::answer(MachineCommand command, ByteView bytes, Instant now)
       return reply(identityReply(state_, bytes[2]), now);
     case MachineCommand::DipSwitches:
       return reply(dipSwitchReply(state_, bytes[3]), now);
-    default:  // preparing has no reply: a later request is answered in any case
+    default:  // `PrepareStatus`: this printer answers status requests even without it
       return;
   }
 }

@@ -38,11 +38,12 @@ class VirtualPrinter {
   /// `flagNames`.
   bool setFlag(std::string_view name, bool value, Instant now);
 
-  /// Changes a setting from `now` on, as `PrinterState::set` does, and throws as it does.
+  /// Changes a setting from `now` on. The settings and the exceptions are those of
+  /// `PrinterState::set`.
   void set(std::string_view key, std::string_view value, Instant now);
 
-  /// Lets the printer work until `now`. The functions below show the printer's state at the latest
-  /// `now`.
+  /// Lets the printer work until `now`. The functions below show the printer's state at the
+  /// greatest `now` of all calls so far.
   void advance(Instant now);
 
   /// Returns the output since the paper was last torn off.
@@ -63,9 +64,9 @@ class VirtualPrinter {
   Paper tearOff();
 
   /// Makes each connection a job. When all its data have been printed or dropped, the paper is torn
-  /// off and passed to `keep`, unless the paper is empty. A paper that exceeds its limits
-  /// (`Paper::isTooLong`) is torn off and passed on earlier. Without this call such a paper is
-  /// lost.
+  /// off and passed to `keep`, unless the job was empty or contained only questions. A paper that
+  /// exceeds its limits (`Paper::isTooLong`) is torn off and passed on earlier. If `keepJobs` has
+  /// not been called, a paper that exceeds its limits is lost.
   using JobKeeper = std::function<void(Paper)>;
   void keepJobs(JobKeeper keep) { keepJob_ = std::move(keep); }
 
@@ -115,14 +116,14 @@ class VirtualPrinter {
   std::optional<Instant> nextEvent() const;
 
  private:
-  /// A command, or the end of a connection. It takes effect when the first `end` queued bytes have
-  /// been printed.
+  /// A command, or the end of a connection. It takes effect when the printer has printed all bytes
+  /// before the position `end`. Positions count the bytes that were ever queued.
   struct Mark {
     std::optional<MachineCommand> command;  // empty means the end of a connection
     Bytes bytes;                            // the bytes of the command, which are not printed
     std::uint64_t begin;
     std::uint64_t end;
-    std::uint64_t received = 0;  // the count of all bytes received by then
+    std::uint64_t received = 0;  // how many bytes had been received before this mark was made
   };
 
   std::size_t freeBytes() const;

@@ -17,13 +17,14 @@
 namespace quordalvane::simulator {
 namespace {
 
+// The picture shows the paper as if it lay on a table.
 constexpr std::uint32_t tableColour = 0xd9dde1;
 constexpr std::uint32_t paperColour = 0xfdfdfb;
 constexpr std::uint32_t shadowColour = 0xb9bec4;
 constexpr std::uint32_t inkColour = 0x1c1c1e;
 constexpr std::uint32_t remarkColour = 0x8a8f98;
 
-constexpr unsigned tableMargin = 16;  // how much of the table is visible around the paper
+constexpr unsigned tableMargin = 16;  // how much table is visible around the paper
 constexpr unsigned sideMargin = 32;   // the width of the empty paper beside the print
 constexpr unsigned tooth = 6;         // the size of a tooth of the torn edge
 constexpr unsigned shadowWidth = 2;
@@ -31,8 +32,8 @@ constexpr Margins margins = {.end = 20, .gap = 24};
 
 constexpr unsigned bandHeight = 256;  // how many rows are drawn together
 
-// The meanings of a dot's value. 0 is the paper's shadow. The next values are the table, from bare
-// to covered by a remark. The highest values are the paper, from bare to covered by ink.
+// The meanings of a dot's value. 0 is the paper's shadow. The next values range from the bare table
+// to the letters of a remark on the table. The highest values range from bare paper to ink.
 constexpr std::uint8_t shadow = 0;
 constexpr std::uint8_t table = 1;
 constexpr std::uint8_t mostRemark = 127;

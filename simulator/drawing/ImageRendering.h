@@ -25,14 +25,14 @@ Picture renderPicture(const Paper& paper);
 /// lack of memory.
 Bytes renderPng(const Paper& paper);
 
-/// The PNG file of `renderPng`, with the size of the picture in dots. A picture that is taller than
-/// `pieceRows`, which is not 0, is also given in pieces of this number of rows, from the top,
-/// because few programs show a picture of many metres. The last piece may be shorter.
+/// The PNG file of `renderPng`, with the size of the picture in dots. A picture of more than
+/// `pieceRows` rows is also given in pieces of `pieceRows` rows, from the top, because few programs
+/// show a picture of many metres. The last piece may be shorter. `pieceRows` must not be 0.
 struct PngPicture {
   unsigned width = 0;
   unsigned height = 0;
   Bytes png;
-  std::vector<Bytes> pieces;  ///< PNG files; empty unless the picture is taller
+  std::vector<Bytes> pieces;  ///< PNG files; empty if the picture has at most `pieceRows` rows
 };
 PngPicture renderPngPicture(const Paper& paper, unsigned pieceRows);
 
