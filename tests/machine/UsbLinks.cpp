@@ -54,8 +54,8 @@ class PluggedInAccessory : public ForwardingAccessory {
 
 class UsbMaker : public LinkMaker {
  public:
-  // After the end the driver keeps no bytes for the reader. It lets one program use a printer at a
-  // time.
+  // When a link ends, the kernel's driver drops the bytes that no program has read. It lets only
+  // one program at a time use a printer.
   LinkTraits traits() const override {
     return {.keepsUnreadBytes = false,
             .closesOneWay = false,

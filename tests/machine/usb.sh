@@ -191,7 +191,8 @@ cp /run/first /run/answer
 check first-program-goes-on grep -q '"outcome":"printed"' /run/first
 pull
 
-# The interval is longer than any wait here, so only the system's notices can be this quick.
+# The monitor asks for the status only every 600 s. No wait here is so long, so only the system's notices can report a
+# change in time.
 serve
 plug_in socket=$socket
 quorport -d usb: monitor --interval 600000 --json >/run/answer 2>/dev/null &

@@ -16,7 +16,7 @@ inline constexpr int adapterProtocol = 1;
 /// The address of a serial port over Bluetooth, as the kernel has it.
 struct RfcommAddress {
   sa_family_t family = AF_BLUETOOTH;
-  std::array<std::uint8_t, 6> address = {};  ///< the pairs of the text in reverse order
+  std::array<std::uint8_t, 6> address = {};  ///< the address, its last byte first
   std::uint8_t channel = 0;
 };
 
@@ -51,7 +51,7 @@ inline void setPowered(std::uint8_t index, bool isOn) {
   std::array<std::uint8_t, 512> event = {};
   ssize_t length = ::write(number, request, sizeof request);
   while (length > 0 && !(event[0] <= 2 && event[1] == 0 && event[6] == command)) {
-    length = ::read(number, event.data(), event.size());  // completion, or the status of a refusal
+    length = ::read(number, event.data(), event.size());  // until the command is done or refused
   }
   ::close(number);
 }

@@ -34,7 +34,7 @@ control() { # COMMAND …
 
 is_paired() { quorport -d "bluetooth:$printer" list --json | grep -q '"protocolStrings":\["'; }
 
-serve() { # SETTING …: the virtual printer behind the peer
+serve() { # SETTING …: starts the virtual printer that the peer makes reachable over Bluetooth
   [ -z "$server" ] || { kill "$server"; wait "$server" 2>/dev/null; }
   rm -f $socket
   quorport simulate --listen unix:$socket "$@" >/run/served </dev/null &
@@ -42,7 +42,7 @@ serve() { # SETTING …: the virtual printer behind the peer
   within 20 test -S $socket
 }
 
-switch_on() { # [OFF_AFTER]: starts the peer
+switch_on() { # [OFF_AFTER]: starts the peer; if OFF_AFTER is given, the peer switches its adapter off after so many bytes
   [ -z "$peer" ] || { kill "$peer" 2>/dev/null; wait "$peer" 2>/dev/null; }
   rm -f /run/carried
   peer $printer 3 $socket /run/carried $1 &
@@ -149,7 +149,7 @@ cat >/etc/avahi/services/printer.service <<'END'
 <service-group><name>Bar</name><service><type>_pdl-datastream._tcp</type><port>9100</port></service></service-group>
 END
 avahi-daemon --no-drop-root --no-chroot >/run/avahi.log 2>&1 &
-found() { # DEVICE VIA …: whether one search shows them all
+found() { # whether one search shows the USB, the Bluetooth and the network printer
   quorport find --json >/run/answer 2>&1
   for what in "usb:S17" "bluetooth:$printer" "tcp:127.0.0.1:9100"; do
     grep -qF "\"device\":\"$what\"" /run/answer || return 1

@@ -26,26 +26,26 @@ struct UsbIdentity {
 /// beginning; the destructor removes the gadget. Calls may be made from any thread.
 class UsbGadget {
  public:
-  /// `controller` is the name of the cable's end, "dummy_udc.0" for example. Throws a
-  /// `std::system_error` if the system refuses a step.
+  /// `controller` is the name of the controller at the printer's end of the cable, "dummy_udc.0"
+  /// for example. Throws a `std::system_error` if the system refuses a step.
   UsbGadget(const UsbIdentity& identity, const std::string& controller);
   ~UsbGadget();
   UsbGadget(const UsbGadget&) = delete;
   UsbGadget& operator=(const UsbGadget&) = delete;
 
-  /// Plugs the cable in, and waits until the host has configured the printer; its driver takes the
-  /// printer over some milliseconds later.
+  /// Plugs the cable in, and waits until the host has configured the printer. The host's driver
+  /// binds itself to the printer some milliseconds later.
   void plugIn();
 
-  /// Pulls the cable, and has no effect if it is out already. Transfers under way end.
+  /// Pulls the cable, which ends all running transfers. Has no effect if the cable is out already.
   void pull();
 
   /// Waits for the next packet from the host. Returns its length, at most `packetSize`, or -1 when
   /// the cable is out.
   std::ptrdiff_t take(std::uint8_t* buffer);
 
-  /// Sends `bytes` and waits until the host has taken them; no bytes are a zero-length packet.
-  /// False if the cable is out.
+  /// Sends `bytes` and waits until the host has taken them. If `bytes` is empty, sends a
+  /// zero-length packet. Returns false if the cable is out.
   bool say(std::span<const std::uint8_t> bytes);
 
   /// Stalls the endpoint to which the host writes: the host's transfers fail until the host clears

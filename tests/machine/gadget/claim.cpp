@@ -1,5 +1,5 @@
-// Takes a USB device's interface from its driver, as the print system's back end does, and keeps it
-// until it is killed. Then no driver has the interface.
+// Takes an interface of a USB device from its driver, as the print system's back end does, and
+// keeps the interface until the program is killed. After that, no driver has the interface.
 //
 //     claim NODE INTERFACE
 #include <fcntl.h>

@@ -101,7 +101,8 @@ class Printer {
   }
 
  private:
-  // Runs until the cable is out, or must be pulled.
+  // Sends the host's bytes to the virtual printer. Returns when the cable is out, or when as many
+  // bytes have arrived as the setting `pull-after` says.
   void carryJobs() {
     std::array<std::uint8_t, UsbGadget::packetSize> packet;
     std::size_t carried = 0;
