@@ -7,7 +7,7 @@
 namespace quordalvane::test {
 namespace {
 
-constexpr double slice = 0.1;
+constexpr double slice = 0.1;        // one run of the run loop, in seconds
 constexpr double retryPause = 0.05;  // between two tries of a write, a status or a block's begin
 constexpr double endPause = 0.1;
 constexpr double pollPause = 0.2;
@@ -54,14 +54,13 @@ class Bounds {
 
   double end() const {
     const double mark = 2 * command();
-    // The three slices are for the report, the byte after it and the drain.
+    // Three reads take up to one slice each: the report, the byte after it, and the leftover bytes.
     return emulation_ == lineMode
                ? mark + wait(end_, endPause) + status()
                : mark + 2 * command() + wait(end_, pollPause) + status() + 3 * slice;
   }
 
-  /// This wait is measured in fractions of a second, so the extra second for whole-second limits is
-  /// not added.
+  /// Unlike `wait`, adds no extra second, because this wait measures fractions of a second.
   static double response(double limit) { return limit + pollPause + slice; }
 
   double commandMode() const { return guardTimes + 2 * command() + response(moduleLimit); }
@@ -114,7 +113,7 @@ double Bounds::of(const Operation& operation) const {
   if (name == "disconnect") {
     return commandMode() + query();
   }
-  return query();  // one question, or the request to drop the link and the wait for the loss
+  return query();  // a question and its answer; or a request to drop the link, and its loss
 }
 
 double stepsBack(const Scenario& scenario) {
@@ -136,12 +135,13 @@ constexpr const char* readyForNothing = "a stream that says ready";
 constexpr const char* invalidStatus = "the invalid-status loop";
 constexpr const char* drain = "the drain";
 
-/// Follows a run line by line.
+/// Follows the trace of a run line by line, and finds the run's unbounded parts.
 class Watch {
  public:
   explicit Watch(bool endsBlockInEscPos) : endsBlockInEscPos_(endsBlockInEscPos) {}
 
-  /// The part without a bound that the run is in after this line, or "".
+  /// Returns the name of the unbounded part that the run has reached with this line, or "" if the
+  /// run is in no such part.
   std::string see(const Line& line) {
     if (endsStretch(line)) {
       stretch_ = "";
@@ -167,7 +167,7 @@ class Watch {
            text == (stretch_ == invalidStatus ? "usleep 200000" : "ignoreSigPipe");
   }
 
-  /// The part without a bound that begins with this line, or "".
+  /// Returns the name of the unbounded part that begins with this line, or "".
   std::string begunBy(const std::string& line) {
     if (line == "ignoreSigPipe") {
       const bool wasPartial = taken_ > 0 && taken_ != offered_;
@@ -214,8 +214,8 @@ class Watch {
   const bool endsBlockInEscPos_;
   std::int64_t offered_ = 0;  // bytes offered by the writer's current attempt
   std::int64_t taken_ = 0;
-  int followed_ = 0;           // single bytes read since the last write
-  bool beginsReport_ = false;  // true if the first of these bytes begins a report
+  int followed_ = 0;           // how many reads gave one byte since the last write
+  bool beginsReport_ = false;  // true if the first of these reads gave the first byte of a report
   std::string stretch_;
 };
 

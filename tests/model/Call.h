@@ -48,7 +48,7 @@ std::string shownResult(const std::optional<std::string>& result);
 /// Runs `operation` and returns the text of its exception, if it throws.
 std::string resultOf(const std::function<std::string()>& operation);
 
-/// `body` takes a port or a model, and the caller's things.
+/// Makes a call that runs `body` with a port or a model, and with the caller's objects.
 template <typename Body>
 Call makeCall(std::string name, Body body) {
   const auto run = [body](auto& port, Caller& caller) {

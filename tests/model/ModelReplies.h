@@ -28,8 +28,8 @@ void decodeStatus(QuorPrinterStatus_2& status);
 /// Applies `raw[0]`, the answer to real-time query 0, 1 or 2; false if the byte is no answer.
 bool decodeRealTimeStatus(QuorPrinterStatus_2& status, unsigned query);
 
-/// Whether a printer answers this command of the port; the function lists the settings and marks
-/// that a printer never answers.
+/// Whether a printer answers this command of the port. It answers all commands except those that
+/// only change a setting or mark a point in the data.
 bool isAnswered(const Bytes& command);
 
 /// Finds the firmware text, or the settings of a bank, in a reply; false if the reply is not

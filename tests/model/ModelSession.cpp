@@ -21,7 +21,8 @@ bool isHexDigit(char c) {
   return std::isxdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-/// The first six pairs of hexadecimal digits that colons join, alone among other characters.
+/// The first Bluetooth address in the text, or "": six pairs of hexadecimal digits, joined by
+/// colons. Directly before and after the address there is no hexadecimal digit.
 std::string addressIn(const std::string& text) {
   constexpr std::size_t length = 17;
   for (std::size_t at = 0; at + length <= text.size(); ++at) {

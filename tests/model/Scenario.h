@@ -25,7 +25,7 @@ struct Outcome {
   std::vector<Line> lines;
   double seconds = 0;  // in virtual time
 
-  /// The bytes that passed and the waits, repetitions folded.
+  /// The trace's lines about transferred bytes and about waits, as `view` shows them.
   std::string wire() const { return view(lines, {About::Data, About::Wait}); }
 
   /// The calls to the platform, including those that begin and end something.
