@@ -203,8 +203,9 @@ std::string offers(const std::string& place) {
          offers(place));
 }
 
-// Returns the scheme of the device text `text`, which may omit the scheme. Changes `place` to the
-// place that the text means in this scheme.
+// Returns the scheme of the device text `text`. `place` is the part of `text` before the first
+// comma. If this part begins with a scheme, the scheme is removed from `place`. Otherwise this
+// function chooses the scheme that recognises `place`, and that scheme may complete `place`.
 const Scheme& schemeOf(std::string_view text, std::string& place) {
   const std::size_t colon = place.find(':');
   if (const Scheme* const named =

@@ -4,16 +4,17 @@
 
 namespace quordalvane {
 
-/// Keeps track of whether a reply of the device may still arrive, so that no reader waits for bytes
-/// that cannot arrive. The writer says of each write whether the device may answer it. The number
-/// of replies is unknown, so in case of doubt this class expects one more reply:
+/// Knows whether a reply of the device may still arrive, so that no reader waits for bytes that
+/// cannot arrive. The writer says of each write whether the device may answer it. The number of
+/// replies is unknown, so in case of doubt this class expects one more reply:
 ///
 /// - A write that cannot be answered changes nothing.
 /// - After any other write, a reply is expected until bytes have arrived after this write and the
 ///   reader has taken all of them.
-/// - After a write, a wait without bytes and another write, two replies are expected: the next
-///   bytes may be the late reply to the first write.
-/// - After a reply and a whole wait without bytes, no more replies are expected.
+/// - If a wait after a write receives no bytes, and another write follows, two replies are
+///   expected: the next bytes may be the late reply to the first write.
+/// - If a wait after a reply takes its full time and receives no bytes, no more replies are
+///   expected.
 ///
 /// The class is not thread-safe; the link that owns the object protects it by a lock.
 class ReplyExpectation {

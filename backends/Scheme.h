@@ -43,8 +43,10 @@ struct SchemeVariant {
   DeviceSpec spec;    ///< the device with this setting
   std::string words;  ///< the setting in words: "at 9600 baud"
   std::string keys;   ///< the keys that select this setting: ",baud=9600"
-  std::string_view
-      cause;  ///< the name of the fault that `doctor` reports if only this setting gets answers
+
+  /// The name of the fault that `doctor` reports if the device answers with this setting and with
+  /// no other setting.
+  std::string_view cause;
 };
 
 /// A scheme: all data about one way to reach devices. The table of all schemes is in
@@ -71,12 +73,12 @@ struct Scheme {
   std::span<const OpenCause> causes = {};  ///< the reasons why opening may fail
   std::span<const SchemeKey> keys = {};    ///< the keys that only this scheme takes
 
-  /// A text for people about keys that are not listed in `keys`. If this text is not empty, `make`
-  /// checks those keys, and a device text may have them directly after the scheme, without a place:
-  /// `virtual:coverOpen=true`.
+  /// A text for people about keys that the scheme takes but `keys` does not list. If this text is
+  /// not empty, `make` checks the unlisted keys, and a device text may have unlisted keys directly
+  /// after the scheme, without a place: `virtual:coverOpen=true`.
   std::string_view moreKeys = {};
 
-  /// The name of the accessory if the place is empty.
+  /// The default name of the accessory if the device text has no place after the scheme.
   std::string_view nameWithoutPlace = {};
 
   /// Returns the place that a person means by `text`, a device text without a scheme; nullopt if

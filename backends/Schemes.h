@@ -10,7 +10,8 @@
 namespace quordalvane {
 
 /// Adds `scheme` at the end of the list, unless it is in the list already. The scheme must exist
-/// until the process ends. Call it at the beginning of a program, before other threads exist.
+/// until the process ends. A program must call this function at its beginning, before other threads
+/// exist.
 QUOR_EXPORT void addScheme(const Scheme& scheme);
 
 /// Returns all schemes, in the order in which help texts list them.

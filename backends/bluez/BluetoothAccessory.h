@@ -16,8 +16,8 @@ namespace quordalvane::bluez {
 /// service reports, unless `identity` contains them. The accessory asks the service only when
 /// somebody calls the accessory, and at most once a second.
 ///
-/// The manufacturer is always the one in `identity`, whoever made the printer. A port chooses only
-/// accessories of one maker, and a user who names this device wants to use the printer.
+/// The manufacturer is always the one in `identity`, whoever made the printer. Otherwise a port,
+/// which chooses only accessories of one maker, would ignore the printer that the user has named.
 class BluetoothAccessory : public posix::LinkAccessory {
  public:
   /// `place` selects the printer, as described at `choosePrinter`.

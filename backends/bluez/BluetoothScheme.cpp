@@ -79,7 +79,7 @@ void checkPlace(const std::string& place) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // If the device text gives no name, the name is equal to the place. The printer's own name is
+  // If the user gives no name, `identity.name` is a copy of `spec.place`. The printer's own name is
   // better, so this default is removed.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
@@ -96,7 +96,7 @@ std::vector<std::string> places() {
       addresses.push_back(printer.address);
     }
   } catch (const std::system_error&) {
-    // The error is ignored here: the accessory for the empty place will report the reason.
+    // The error is ignored here, because the accessory of the device `bluetooth:` will report it.
   }
   return addresses;
 }

@@ -43,8 +43,8 @@ int millisecondsUntil(SteadyTime deadline) {
 
 }  // namespace
 
-// Connects on another thread, because a bus that accepts the connection but does not answer blocks
-// the connecting thread for a minute and a half.
+// Connects on another thread. If a bus accepts the connection and does not answer, the thread that
+// connects is blocked for a minute and a half.
 Bus::Bus(SteadyTime deadline) {
   std::packaged_task<Attempt()> task(connectToBus);
   auto attempt = task.get_future();

@@ -59,7 +59,7 @@ inline void serveOn(sdbus::IObject& object, const std::string& interface,
   object.finishRegistration();
 }
 
-/// Returns the name of the program whose call `object` is about to answer.
+/// Returns the name of the calling program. To be called while `object` handles a call.
 inline std::string callerOf(const sdbus::IObject& object) {
   return object.getCurrentlyProcessedMessage()->getSender();
 }

@@ -9,11 +9,11 @@
 
 namespace quordalvane::handheld {
 
-/// Returns an input stream for the port that reads from the framework's `stream`, which must not be
+/// Returns an input stream for the port. It reads from the framework's `stream`, which must not be
 /// nil.
 std::shared_ptr<NSInputStream> inputOver(::NSInputStream* stream);
 
-/// Returns an output stream for the port that writes to the framework's `stream`, which must not be
+/// Returns an output stream for the port. It writes to the framework's `stream`, which must not be
 /// nil.
 std::shared_ptr<NSOutputStream> outputOver(::NSOutputStream* stream);
 

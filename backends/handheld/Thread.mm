@@ -115,8 +115,8 @@ class HandheldThread final : public NSThread {
 
   bool performAndWait(std::function<void()> routine) override {
     Routine carried(std::move(routine));
-    const Retained<::NSThread> thread(thread_.get());  // keeps the thread's object alive, because
-                                                       // the routine may release this handle
+    // The routine may release this handle, so the thread's object is kept alive here.
+    const Retained<::NSThread> thread(thread_.get());
     if (thread.get() != nil && [thread.get() isEqual:[::NSThread currentThread]]) {
       carried.run();
     } else if (life_->isTurning()) {

@@ -20,9 +20,9 @@ inline constexpr std::chrono::milliseconds connectTimeout{5000};
 Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime deadline);
 
 /// Connects to `host`, which is a name or an address (IPv6 without brackets). The connection sends
-/// small amounts of data at once. If the other side vanishes without closing the connection, an
-/// idle connection fails after two minutes. A printer may stop the flow of data for any time, for
-/// example while it is out of paper.
+/// small amounts of data without delay. If the other side vanishes without closing the connection,
+/// an idle connection fails after two minutes. A connection does not fail because a printer stops
+/// the flow of data, for example while it is out of paper, however long this lasts.
 ///
 /// Throws a `std::system_error`, with a message for people, if nothing answers within `timeout`,
 /// which must be above zero. The code of the error is one of the system or, if a name cannot be

@@ -163,8 +163,9 @@ std::chrono::milliseconds Descriptor::silence() const {
   if (::getsockopt(number_, IPPROTO_TCP, TCP_INFO, &info, &length) != 0) {
     return {};
   }
-  // A single unanswered probe of the system means nothing, because the system may have sent it just
-  // now. While a printer has no space, the pauses between the probes grow to two minutes.
+  // The system sends probes to a silent printer. A single unanswered probe means nothing, because
+  // the system may have sent it just now. While a printer has no space, the pauses between the
+  // probes grow to two minutes.
   const bool askedInVain = info.tcpi_retransmits + info.tcpi_probes > 1;
   return std::chrono::milliseconds(askedInVain ? info.tcpi_last_ack_recv : 0);
 }

@@ -16,7 +16,7 @@ class Descriptor {
  public:
   /// The kind of connection.
   enum class Kind {
-    Socket,     ///< can be shut down, and a receive can wait for its input
+    Socket,     ///< can be shut down; one system call can wait for bytes and receive them
     Bluetooth,  ///< a socket whose two directions end together
     Terminal,   ///< a serial line or a pseudo-terminal
 
@@ -26,8 +26,8 @@ class Descriptor {
     MuteUsbPrinter,  ///< a USB printer that can only receive bytes; every read would fail
   };
 
-  /// Takes ownership of the descriptor `number`. Nothing may have been sent on a Bluetooth socket
-  /// before. A terminal must be in non-blocking mode; a socket may be in blocking mode.
+  /// Takes ownership of the descriptor `number`. A Bluetooth socket must be new: nothing has been
+  /// sent on it. A terminal must be in non-blocking mode; a socket may be in blocking mode.
   Descriptor(int number, Kind kind);
   ~Descriptor();
 

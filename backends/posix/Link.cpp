@@ -184,8 +184,8 @@ void Link::waitForSpace(double seconds) {
     if (events != POLLRDHUP) {
       return;
     }
-    // The other side has ended its output. The link is not lost while there are bytes to read, and
-    // the other side may still take bytes.
+    // The other side has ended its output, but it may still take bytes, so the wait continues. The
+    // link is not lost while there are bytes to read.
     dry_ = false;
     look();
     awaited = POLLOUT;

@@ -41,8 +41,8 @@ class Link {
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   /// `release` returns when the device has taken all written bytes, and after two seconds at the
   /// latest. If the device has not taken all bytes by then and sends anything afterwards, the rest
-  /// is lost. When `release` returns, the waits of other threads end. Only waits on a terminal may
-  /// continue until their deadline. A second call has no effect.
+  /// is lost. When `release` returns, the waits of other threads end; but a wait on a terminal may
+  /// continue until its deadline. A second call has no effect.
   void release();
 
   /// Returns true if the link has ended and all bytes that arrived before the end were read. A link
@@ -115,7 +115,7 @@ class Link {
   bool beingWaited_ = false;  // true if a waiting thread may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;
-  bool cameSinceWrite_ = false;  // true if bytes arrived after the last write that may be answered
+  bool cameSinceWrite_ = false;  // true if bytes arrived after the last answerable write
 
   bool mayBeFull_ = false;     // true if the last write was long or was taken only in part
   bool outputBroken_ = false;  // true if a write has failed or the other side no longer answers

@@ -15,17 +15,19 @@ class ThreadRunLoop final : public NSRunLoop {
  public:
   void runUntilDate(double seconds) override;
 
-  /// Routines that arrive during the wait for the stream run in the next call.
+  /// Runs the routines that have arrived, and then waits for the stream. Routines that arrive
+  /// during this wait are run by the next call.
   void runUntilDate(double seconds, NSStream& awaited) override;
 
   /// Begins to accept routines. Called before the thread is started.
   void open();
 
-  /// Runs the waiting routines, and refuses all later routines. The loop's thread calls `finish` at
-  /// its end.
+  /// Runs the routines that have arrived, and refuses all later routines. The loop's thread calls
+  /// `finish` at its end.
   void finish();
 
-  /// Refuses the waiting routines and all later routines. Called if the thread cannot be started.
+  /// Refuses the routines that have arrived, and all later routines. Called if the thread cannot be
+  /// started.
   void refuse();
 
   /// Runs `routine` on the loop's thread, as described at `NSThread::performAndWait`.

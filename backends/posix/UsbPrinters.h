@@ -18,8 +18,9 @@ struct UsbPrinter {
   std::string maker;           ///< "" if the printer reports none
   std::string model;           ///< "" if the printer reports none
 
-  /// Returns whether `other` has the same texts as this device. If there is no serial number, the
-  /// nodes must also be equal, because only the nodes distinguish two printers of one model.
+  /// Returns whether `other` is the same device: whether the vendor, product, serial number, maker
+  /// and model are equal. If there is no serial number, the nodes must also be equal, because only
+  /// the nodes distinguish two printers of one model.
   bool isSameDevice(const UsbPrinter& other) const;
 
   /// Returns "Maker Model". A missing part is left out; if both parts are missing, returns "".

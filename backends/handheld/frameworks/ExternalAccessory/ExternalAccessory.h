@@ -1,5 +1,5 @@
-// The public names of the handheld platform's accessory service that this back end uses. On the
-// device, the framework's own header of the same name is used instead.
+// Declares those public names of the handheld platform's accessory service that this back end uses.
+// A build for the device uses the framework's own header of the same name instead.
 
 #import <Foundation/Foundation.h>
 
