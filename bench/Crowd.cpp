@@ -10,7 +10,8 @@
 namespace quordalvane::bench {
 namespace {
 
-// How many ports are opened at the same time, because each opening pauses for 0.1 s.
+// How many ports are opened at the same time. Each `open` pauses for 0.1 s, so to open all ports
+// one after another would take too long.
 constexpr std::size_t openers = 50;
 
 }  // namespace

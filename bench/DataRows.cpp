@@ -105,8 +105,8 @@ Pairs<double> throughput(Drains& drains, std::span<const std::uint8_t> data) {
   return alternate([&] { return rate(ours); }, [&] { return rate(limit); });
 }
 
-/// Measures the bytes that a job allocates. The job fills each buffer at most once, so it copies no
-/// more bytes.
+/// Counts the bytes of memory that a job allocates. The job fills each buffer at most once, so it
+/// cannot copy more bytes than it allocates.
 Row copiedBytes(const std::string& where, OpenPort& port, DrainingPeer& peer,
                 std::span<const std::uint8_t> data) {
   Allocations taken;

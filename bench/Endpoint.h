@@ -21,7 +21,8 @@ class Endpoint {
   /// closes.
   virtual int connect() = 0;
 
-  /// Waits for a connection. Returns the connection's end for the printer, which the caller closes.
+  /// Waits for a connection and accepts it. Returns the printer's descriptor, which the caller
+  /// closes.
   virtual int accept() = 0;
 };
 

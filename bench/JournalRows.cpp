@@ -1,5 +1,5 @@
-// The cost of a job's name. The rows compare the journal with SQLite alone, which commits the same
-// data.
+// Measures how much longer a job takes if it has a name, because the journal then records it. The
+// rows compare the journal with SQLite alone, which commits the same data.
 
 #include <sqlite3.h>
 #include <sys/syscall.h>
@@ -88,7 +88,7 @@ void execute(const Database& database, const std::string& sql) {
   }
 }
 
-/// Commits the rows of jobs under a name by SQLite alone.
+/// Commits the rows of named jobs directly through SQLite, without the journal.
 class BareRows {
  public:
   explicit BareRows(const std::string& file) : database_(nullptr, sqlite3_close) {
@@ -123,7 +123,7 @@ class BareRows {
 };
 
 struct Cost {
-  double milliseconds;  // the time that a name adds to a job
+  double milliseconds;  // how much longer a job takes if it has a name
   double jobsASecond;
 };
 

@@ -14,8 +14,8 @@ constexpr int rowHeight = 22;
 constexpr int top = 56;
 constexpr int textWidth = 430;
 constexpr int stepWidth = 40;
-constexpr int stepsDown = 4;  // the scale begins at a sixteenth of the limit
-constexpr int stepsUp = 4;    // the scale ends at sixteen times the limit
+constexpr int stepsDown = 4;  // the left end of the scale is a ratio of 1/16
+constexpr int stepsUp = 4;    // the right end of the scale is a ratio of 16
 constexpr int width = textWidth + stepWidth * (stepsDown + stepsUp) + 190;
 
 double placeOf(double ratio) {

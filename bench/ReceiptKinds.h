@@ -10,7 +10,7 @@ struct ReceiptKind {
   const char* name;
   ReceiptPrinter::Confirms confirms;
   ZKEmulation emulation;
-  const char* keys;        ///< the keys of a device text that names the proof
+  const char* keys;        ///< the part of the device text that names the proof; may be empty
   const char* goalOfSign;  ///< the longest time until the port notices the confirmation
 };
 

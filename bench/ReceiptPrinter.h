@@ -42,11 +42,11 @@ class ReceiptPrinter {
   /// Returns the bytes and answers since the last `forget`.
   std::vector<Turn> turns() const;
 
-  /// Return when the first byte of a receipt arrived, and when the printer had printed the job and
-  /// first confirmed it.
+  /// Returns the time at which the first byte of the last receipt arrived.
   Instant heardDataAt() const { return heardDataAt_; }
+
+  /// Returns the time at which the printer first confirmed the last receipt.
   Instant confirmedAt() const { return confirmedAt_; }
-  /// @}
 
  private:
   void run();

@@ -24,7 +24,7 @@ struct Spread {
   double highest;
 };
 
-/// One line of the report: our figure, and the limit that was measured with it.
+/// One line of the report: our figure, and the limit with which it is compared.
 struct Row {
   Heading heading;
   double ours = 0;

@@ -1,4 +1,5 @@
-// Waiting times: for a late reply, for a reply that is never sent, and around a connection.
+// Measures waiting times: for a late reply, for a reply that is never sent, and for opening and
+// closing a connection.
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -143,7 +144,7 @@ Rows openAndClose() {
                                    exchangeLineStatus(bare);
                                  }));
                                });
-  ::close(endpoint->connect());  // a connection that closes without a byte ends the peer
+  ::close(endpoint->connect());  // a connection without a byte makes the peer's thread end
   return {comparedRow(
       {"B12", "open, status and close, beyond their named pauses", "<= limit + 1 ms", "ms"}, pairs,
       Best::Lowest, millisecond)};

@@ -88,9 +88,9 @@ void report(const Options& options, const Rows& rows) {
   }
 }
 
-/// Raises the priority of this process. This matters only for the longest of a thousand calls,
-/// because other work on the machine otherwise affects both sides alike. The system may refuse this
-/// to an ordinary user; in that case only the figures for the longest calls suffer.
+/// Raises the priority of this process, because other work on the machine would lengthen the
+/// longest of a thousand calls. The other figures do not need this: other work affects the library
+/// and its limit alike. The system may refuse a higher priority to an ordinary user.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }
