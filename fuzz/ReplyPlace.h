@@ -23,7 +23,7 @@ inline Bytes joined(Bytes one, const Bytes& other) {
 }
 
 /// Returns the position that the parser finds; empty if it finds none. The parser reads from a heap
-/// block of the exact size, so that a sanitizer notices every byte read too many.
+/// block of the exact size, so that a sanitizer notices if the parser reads beyond the end.
 template <typename Parser>
 std::optional<Place> placeIn(Parser parser, const Bytes& bytes) {
   const auto exact = std::make_unique<std::uint8_t[]>(bytes.size());

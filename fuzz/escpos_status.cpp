@@ -5,9 +5,9 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The first four bytes are the query, and the other bytes are the record with the reply. An
-/// invalid reply must change nothing. A valid reply must set flags only to 0 or 1, and must not
-/// change.
+/// The first four bytes are the query. The other bytes are the record, which contains the reply. An
+/// invalid reply must leave the record unchanged. A valid reply must set flags only to 0 or 1. The
+/// reply itself must not change.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::uint32_t query = 0;
   if (size < sizeof query) {

@@ -5,8 +5,8 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is a record, which may contain anything, even as its length. Every field must be
-/// derived from the reply, which must not change.
+/// The input is a record with any content; the length in the record may also be wrong. Every field
+/// must be derived from the reply. The reply itself must not change.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const QuorPrinterStatus_2 before = fuzz::recordFrom(data, size);
   QuorPrinterStatus_2 record = before;

@@ -9,8 +9,8 @@ using fuzz::require;
 
 namespace {
 
-/// Returns the expected time-out: the number after the first d that digits follow, if it is 0 to
-/// 255; otherwise -1.
+/// Returns the expected time-out: the number after the first letter d that has a digit after it.
+/// Returns -1 if there is no such number, or if the number is above 255.
 std::int64_t expectedDataTimeout(const std::string& settings) {
   constexpr auto digits = "0123456789";
   std::size_t start = settings.find('d');

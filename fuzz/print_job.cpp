@@ -8,7 +8,7 @@ using fuzz::require;
 
 /// Prints a job with arbitrary data on a printer that sends arbitrary replies. The job must end,
 /// and must count its bytes correctly. The job may count as printed only if it was sent completely,
-/// and if its own bytes could not cause the printer's confirmation. The first byte is the
+/// and if nothing in its data could have caused the printer's confirmation. The first byte is the
 /// emulation, the second is the length of the data.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
