@@ -1,6 +1,6 @@
 # Finds GNUstep and a compiler for Objective-C++. If both are found, GNUSTEP_FOUND is true, and
-# sources that link the target `gnustep` can be compiled. Only clang compiles the same dialect as
-# the device's compiler.
+# sources that link the target `gnustep` can be compiled. The compiler must be clang, because only
+# clang compiles the dialect of the handheld device's compiler.
 find_program(QUOR_OBJCXX_COMPILER NAMES clang++)
 find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATH_SUFFIXES GNUstep)
 find_library(GNUSTEP_LIBRARY gnustep-base)

@@ -1,6 +1,7 @@
-# The library that programs link: the folders below in one libQuorIOPort, as a shared and as a static library, and the
-# files that are installed with it. Headers are installed below include/quordalvane/, in the same folders as in the
-# tree. That folder is also in the include path, so that programs write the same includes as the project's own sources.
+# Defines libQuorIOPort, the library that programs link, as a shared and as a static library, and the files that are
+# installed with it. The library contains the targets in the list `rooms`. Headers are installed below
+# include/quordalvane/, in the same folders as in the tree. include/quordalvane/ is also in the include path, so that
+# programs write the same includes as the project's own sources.
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 

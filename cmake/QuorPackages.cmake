@@ -1,5 +1,5 @@
-# Finds the outside libraries, all of which Debian packages. The port, its parsers and its logger
-# use none of them.
+# Finds the outside libraries. Each of them is a Debian package. The port, its parsers and its
+# logger use none of them.
 find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
@@ -20,7 +20,7 @@ else()
                 tests/journal tests/unit/journal)
 endif()
 
-# Text in any script and pictures are supported if the drawing libraries are installed.
+# If the drawing libraries are installed, the programs can print pictures, and text in any script.
 pkg_check_modules(PANGOCAIRO IMPORTED_TARGET pangocairo)
 pkg_check_modules(JPEG IMPORTED_TARGET libjpeg)
 pkg_check_modules(PNG IMPORTED_TARGET libpng)
@@ -42,7 +42,8 @@ else()
                 tests/unit/http)
 endif()
 
-# D-Bus finds Bluetooth printers, and in a search also network printers.
+# D-Bus is needed for Bluetooth printers. The search for devices also finds network printers through
+# D-Bus.
 find_package(sdbus-c++ 2 QUIET)
 if(NOT sdbus-c++_FOUND)
   find_package(sdbus-c++ 1 QUIET)
