@@ -21,7 +21,7 @@ struct FoundDevice {
   std::string maker;         ///< the maker; "" if it is not known
   std::string model;         ///< the model; "" if it is not known
   Via via;
-  std::optional<bool> reachable;  ///< null if this is unknown before a session is opened
+  std::optional<bool> reachable;  ///< null if only opening a session shows whether it is reachable
 };
 
 /// Makes a text from outside fit for a `FoundDevice`: escapes control characters, and shortens the

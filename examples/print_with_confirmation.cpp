@@ -1,4 +1,4 @@
-// Prints a file and names the next step. Usage: print_with_confirmation DEVICE FILE
+// Prints a file, and says what the user must do next. Usage: print_with_confirmation DEVICE FILE
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -41,8 +41,8 @@ int main(int argc, char** argv) try {
       std::cout << "refused: " << result.reason << "; " << result.advice << '\n';
       return 1;
     case PrintOutcome::Unconfirmed:
-      // The job may be on paper. Only a person who looks at the paper knows: a program must not
-      // send the job again.
+      // The job may be on paper. A program must not send it again, because only a person who looks
+      // at the paper knows whether the job is printed.
       std::cout << "unconfirmed: " << result.reason << "; " << result.advice << '\n';
       return 6;
   }

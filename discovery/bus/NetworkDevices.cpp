@@ -60,8 +60,8 @@ bool isAddress(int family, const std::string& text) {
   return ::inet_pton(family, text.c_str(), &address) == 1;
 }
 
-// Returns the place for a `tcp:` device text; "" if the address is invalid. A link-local address
-// needs its interface.
+// Returns the part after `tcp:` of a device text: the address and the port; "" if the address is
+// invalid. A link-local address also needs the name of its interface.
 std::string placeOf(const std::string& address, std::uint16_t port, std::int32_t interface) {
   const std::string end = ":" + std::to_string(port);
   if (isAddress(AF_INET, address)) {
