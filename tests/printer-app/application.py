@@ -1,4 +1,4 @@
-"""What the tests of the printer application share: its process with a virtual printer, and a client that speaks IPP."""
+"""Helpers for the tests of the printer application: its process with a virtual printer, and a client that speaks IPP."""
 
 import http.client
 import json
@@ -23,7 +23,10 @@ COLLECTION, END_OF_COLLECTION, MEMBER = 0x34, 0x37, 0x4A
 
 
 def free_port() -> int:
-    """A port that the system does not assign by itself; two servers of the framework can listen to the same port."""
+    """A free port below the range that the system assigns by itself.
+
+    A connection must show that the port is free, because two servers of the framework can listen to the same port.
+    """
     while True:
         port = random.randint(10000, 30000)
         with socket.socket() as client:
@@ -36,7 +39,7 @@ def keyword(name: str, value: str) -> bytes:
 
 
 def collection(name: str, members: dict) -> bytes:
-    """Members are numbers or collections."""
+    """A collection attribute, encoded. The value of each member is a number, or a dict for an inner collection."""
 
     def field(tag: int, name: str, data: bytes = b"") -> bytes:
         return struct.pack(">BH", tag, len(name)) + name.encode() + struct.pack(">H", len(data)) + data
@@ -148,7 +151,7 @@ class Application(Case):
         process.wait()
 
     def restart(self, *options: str):
-        """A printer is on disk within a second after it was added."""
+        """Kills the application and starts it again. It has saved its printer a second after the printer was added."""
         eventually(lambda: "till" in self.kept(), "the printer is saved")
         self.kill(self.application)
         self.start(*options)

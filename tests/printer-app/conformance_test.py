@@ -6,7 +6,7 @@ import subprocess
 from application import Application
 from harness import eventually, main
 
-# Tests that the framework's version 1.3 does not pass, whatever a printer does, each with the reason.
+# The tests that fail with version 1.3 of the framework for every printer, and the reason of each.
 LEFT_TO_THE_FRAMEWORK = {
     "overrides-supported",  # it prints all pages of a document alike
 }

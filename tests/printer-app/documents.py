@@ -51,7 +51,7 @@ class Bits:
 
 
 def jpeg(rows: list[bytes]) -> bytes:
-    """Grey, in squares of 8 by 8 pixels of one grey each; only the mean of each square is coded."""
+    """A grey picture. Each square of 8 by 8 pixels has only one grey, so the file contains only its mean."""
 
     def segment(marker: int, data: bytes) -> bytes:
         return struct.pack(">BBH", 0xFF, marker, len(data) + 2) + data
@@ -169,7 +169,7 @@ def unfiltered(kind: int, row: bytearray, above: bytearray, pixel: int) -> bytea
 
 
 def figures(picture: bytes) -> list[tuple[int, list[str]]]:
-    """Left edge and cells of each figure on the paper, from the top."""
+    """For each copy of FIGURE on the paper, from the top: its left edge in dots, and its cells."""
     rows = [[grey < 128 for grey in row] for row in greys(picture)]
     found, at = [], 0
     while at < len(rows):

@@ -8,7 +8,7 @@ from harness import main
 
 # A page is 80 mm wide at 203 dots an inch. The print head has only 576 dots, so the page loses 31 dots at its left.
 PAPER, LOST = 639, 31
-EDGE = 48  # dots to the left of the head, in the picture of a receipt
+EDGE = 48  # the left margin in the picture of a receipt, in dots
 PAGE = page(PAPER, 320, LOST + 48, 40)
 PICTURE = page(320, 160, 48, 40)
 

@@ -33,7 +33,7 @@ RAW_PORT = """<service-group><name>Counter</name><service><type>_pdl-datastream.
 
 
 def enter_own_network():
-    """From here on, this process and its children have a network and folders for services of their own."""
+    """Replaces this process by one with a private network, /run and /etc/avahi. Its children share them."""
     if "QUOR_OWN_NETWORK" not in os.environ:
         user = [] if os.geteuid() == 0 else ["--user", "--map-root-user"]
         os.execvpe("unshare", ["unshare", *user, "--net", "--mount", sys.executable, "-B", *sys.argv],
@@ -85,7 +85,7 @@ class Network(Application):
         self.elsewhere = Client(self.port, host=ELSEWHERE)
 
     def page(self, path: str, form: dict[str, str] | None = None, cookie: str = "") -> tuple[str, str]:
-        """What another machine sees, and the cookie that it gets."""
+        """The text of a web page as another machine receives it, and the page's cookie."""
         connection = http.client.HTTPConnection(ELSEWHERE, self.port, timeout=DEADLINE)
         headers = {"Cookie": cookie} if cookie else {}
         if form is None:

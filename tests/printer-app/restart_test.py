@@ -1,6 +1,6 @@
-"""The printer application is killed and started again: nothing is lost, and nothing is printed twice by itself.
+"""The printer application is killed and started again: no job is lost, and none is printed twice unless a user asks.
 
-QUOR_CRASH_MOMENTS is the number of moments of a job that are tried; 20 at night.
+The application is killed at 3 * QUOR_CRASH_MOMENTS moments of a job. QUOR_CRASH_MOMENTS is 20 at night.
 """
 
 import collections
@@ -112,7 +112,7 @@ class Restarting(Application):
 
 
 class Crashes(Application):
-    """There is one job at a time, so all paper since the last job belongs to it."""
+    """One job runs at a time, so all paper that is printed between its beginning and its end belongs to it."""
 
     def paper(self) -> int:
         return eventually(lambda: (now := self.printer.state())["buffered"] == 0 and now, "the printer has printed")["printedBytes"]
@@ -130,18 +130,18 @@ class Crashes(Application):
         return eventually(now, f"job {job} ends")
 
     def crash(self, moment: float) -> tuple[str, float]:
-        """The state in which the job ends, and how many copies lie on paper."""
+        """Kills the application at this moment of a job. Returns the job's final state and its number of copies on paper."""
         before = self.paper()
         began = time.monotonic()
         job = self.print(COPY, RAW)
-        time.sleep(max(0.0, began + moment - time.monotonic()))  # waits for the moment that the case tests
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # until the moment at which this case kills the application
         self.restart()
         state = self.settled(job)
         return state, (self.paper() - before) / len(COPY)
 
     def test_no_job_is_printed_twice_and_no_job_is_completed_without_paper(self):
         self.printer.set(speed=SPEED)
-        self.await_state("completed", self.print(b"the first one\n", RAW))  # from now on the printer's proof is known
+        self.await_state("completed", self.print(b"the first one\n", RAW))  # after this job, the printer's proof is known
         states = collections.Counter()
         for number in range(MOMENTS):
             moment = LENGTH * (number + 0.5) / MOMENTS
