@@ -72,7 +72,7 @@ def operations_of(kind: type) -> set[str]:
 
 
 def in_threads(*calls: Callable[[], object]) -> list[object]:
-    """Begins each call at the same time in several threads; the results in the order of the calls."""
+    """Runs each call in THREADS threads; all threads begin at the same time. Returns the results of `calls * THREADS`."""
     together = threading.Barrier(THREADS * len(calls))
 
     def begin(call: Callable[[], object]) -> object:
@@ -113,7 +113,7 @@ class Operations(unittest.TestCase):
             answers = in_threads(*(lambda n=name, a=arguments: getattr(port, n)(*a) for name, arguments in calls))
             for (name, _), answer in zip(calls * THREADS, answers, strict=True):
                 self.assertAnswers(name, answer)
-            port.status()  # the module obeys a second after the last byte; the answer shows that all bytes have arrived
+            port.status()  # now all bytes have arrived; the module accepts `disconnect` only after 1 s without bytes
             self.assertRaises(quorioport.LinkLostError, in_threads, port.disconnect)  # the second call finds no link
             self.assertTrue(port.is_open)
             in_threads(port.close)
@@ -126,7 +126,7 @@ class Operations(unittest.TestCase):
                 answers = await asyncio.gather(*(getattr(port, name)(*OPERATIONS[name][0]) for name in names))
                 for name, answer in zip(names, answers, strict=True):
                     self.assertAnswers(name, answer)
-                await port.status()  # the module obeys a second after the last byte, which has now arrived
+                await port.status()  # now all bytes have arrived; the module needs 1 s without bytes
                 await port.disconnect()
                 self.assertTrue(port.is_open and port.port.is_open)
                 await asyncio.gather(*(port.close() for _ in range(THREADS)))
