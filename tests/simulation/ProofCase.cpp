@@ -76,7 +76,9 @@ void addFault(Case& made, Dice& dice) {
       return add("duplicate-reply", anyReply(dice));
     case 3:
       return add("drop-reply", anyReply(dice));
-    case 4:  // if all doubled in-order answers were split, each would add a false answer
+    case 4:
+      // The fault never affects all in-order replies. If every in-order reply were sent twice and
+      // split, each reply would add a false answer.
       return add("split-reply",
                  dice.among<const char*>({"1@", "1/2@", "2/5@"}) +
                      (dice.oneIn(2) ? dice.among<const char*>({"block", "process-id"})

@@ -15,14 +15,15 @@ struct Receipt {
   std::vector<ByteBuffer> parts;  ///< in the order in which they are printed
 };
 
-/// ESC/POS jobs on one port that use one proof, on a printer that gives some proofs or no proof.
+/// ESC/POS jobs that one port prints with the same proof. The printer gives some of the proofs, or
+/// no proof.
 struct ProofCase {
   Case common;
-  std::string gives;                        ///< the proofs that the printer knows
+  std::string gives;                        ///< the proofs that the printer gives
   std::optional<ByteBuffer> ofAnotherHost;  ///< still in the printer when the port opens
   std::vector<Receipt> receipts;
 
-  /// Nothing goes wrong, and every time-out is long enough: such a job must be confirmed.
+  /// Nothing goes wrong, and every time-out is long enough, so every job must be confirmed.
   bool isHonest = false;
 };
 

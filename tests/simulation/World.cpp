@@ -42,7 +42,8 @@ PrintResult printOn(const std::shared_ptr<ExternalAccessoryPort>& port, const By
 
 }  // namespace
 
-/// No command of the port begins with the first bytes of a job, unless the job causes signs itself.
+/// Counts the written bytes if they are the next bytes of the job. A command of the port itself is
+/// not counted, unless the job's data contains a mark or a request as the port sends it.
 std::int64_t Witness::write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) {
   const auto rest = std::span(data_).subspan(taken_);
   const bool isOfTheJob = count <= rest.size() && std::equal(buffer, buffer + count, rest.begin());
@@ -101,7 +102,7 @@ PrintResult World::printAgain(const ByteBuffer& data) {
 
 void World::recover() {
   accessory_->setFaults({});
-  platform_->clock().usleep(10000000);  // later than the last turn
+  platform_->clock().usleep(10000000);  // later than the last change in `turns`
   for (const Turn& turn : given_.turns) {
     set(turn.flag, false);
   }

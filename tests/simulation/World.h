@@ -12,7 +12,7 @@
 
 namespace quordalvane::simulation {
 
-/// Watches the bytes of a job that the link takes, and changes nothing.
+/// Counts how many bytes of a job the link takes, and changes nothing.
 class Witness : public test::Fault {
  public:
   explicit Witness(const ByteBuffer& data) : Fault("none"), data_(data) {}
@@ -20,8 +20,8 @@ class Witness : public test::Fault {
   bool befalls(test::PlatformCall call) const override { return call == test::PlatformCall::Write; }
   std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) override;
 
-  /// How many bytes of the job the link has taken; unknown if the job's data can cause the
-  /// printer's sign.
+  /// How many bytes of the job the link has taken. The count may be wrong if the job's data
+  /// contains a mark or a request, because the port sends the same bytes itself.
   std::size_t taken() const { return taken_; }
 
   /// Whether a write has failed.

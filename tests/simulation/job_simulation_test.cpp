@@ -47,7 +47,8 @@ void expectHonestOutcome(const Case& given, const PrintResult& result, World& wo
   }
 }
 
-/// No fault drops bytes that the link took: then all of them are printed in the end.
+/// Whether the printer prints, in the end, all bytes that the link took, because neither a fault
+/// nor a data time-out drops any of them.
 bool losesNothing(const Case& given) {
   return given.portSettings.empty() || given.portSettings == "d0"
              ? std::none_of(given.faults.begin(), given.faults.end(),

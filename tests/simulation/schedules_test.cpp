@@ -13,7 +13,7 @@ namespace {
 
 using Fault = std::pair<std::string, std::string>;
 
-/// A line, an image and a cut.
+/// A line, an image and a paper cut.
 Receipt threeCommands() {
   Receipt receipt;
   receipt.parts = {{'e', 's', 'p', 'r', 'e', 's', 's', 'o', ' ', '2', '.', '2', '0', '\n'},
@@ -48,7 +48,8 @@ bool isPrintedWith(ProofKind proof, const Fault& fault) {
   return printWith(caseOf(proof, {fault}), threeCommands(), paper).outcome == PrintOutcome::Printed;
 }
 
-/// The smallest number from which on the fault no longer affects the job.
+/// The smallest value with which the fault does not affect the job. The value is the number of a
+/// reply, or a number of bytes before the link is cut.
 std::uint64_t firstHarmless(ProofKind proof, const std::string& fault) {
   std::uint64_t number = 1;
   while (!isPrintedWith(proof, {fault, std::to_string(number)})) {
@@ -57,7 +58,7 @@ std::uint64_t firstHarmless(ProofKind proof, const std::string& fault) {
   return number;
 }
 
-/// Every fault of every reply, and the link's end at every byte of either direction.
+/// Every fault of every reply, and a cut of the link after every byte, in each direction.
 std::vector<Fault> everyFault(ProofKind proof) {
   std::vector<Fault> all;
   const std::uint64_t replies = firstHarmless(proof, "silence");
