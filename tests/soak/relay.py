@@ -12,17 +12,17 @@ from dataclasses import dataclass
 from pathlib import Path
 
 READ_SIZE = 4096
-FULL = 65536  # if so many bytes are on their way, the sender must wait
+FULL = 65536  # bytes on their way in one direction; at this number the sender must wait
 
 
 @dataclass(frozen=True)
 class Weather:
-    """How the link behaves until it is set again."""
+    """How the link behaves until it is cut, or until the next `set_weather`."""
 
     slice: int = READ_SIZE  # bytes that arrive together
-    rate: float = 0  # bytes a second; 0 is all at once
+    rate: float = 0  # bytes a second; 0 means without a limit
     delay: float = 0  # seconds
-    cut_after: int | None = None  # bytes of either direction, counted from the command; None means never
+    cut_after: int | None = None  # the sum of bytes in both directions since `set_weather`; None: no cut
 
 
 class Direction:
@@ -70,7 +70,7 @@ class Relay(threading.Thread):
         self.weather = Weather()
         self.passed = 0
         self.cuts = 0
-        self.cut_done = threading.Event()  # set after the cut, when the socket is ready for the next till
+        self.cut_done = threading.Event()  # not set after a cut of the link until the next till can connect
         self.cut_done.set()
         self.lock = threading.Lock()
         self.stopping = False
@@ -137,7 +137,7 @@ class Relay(threading.Thread):
 
     @staticmethod
     def wait(directions: tuple[Direction, Direction]):
-        """Waits a moment at most, until there may be something to do."""
+        """Waits until bytes can be read or delivered, at most 50 ms."""
         due = [d.under_way[0][0] for d in directions if d.under_way]
         left = min(due, default=time.monotonic() + 0.05) - time.monotonic()
         with selectors.DefaultSelector() as selector:
@@ -174,7 +174,7 @@ class SocketRelay(Relay):
 
 
 class TerminalRelay(Relay):
-    """A serial line: a terminal that is replaced after each cut, always at the same path."""
+    """A serial line. After each cut of the link, a new terminal replaces the old one at the same path."""
 
     def __init__(self, folder: Path, printer: str):
         super().__init__(printer)

@@ -1,11 +1,12 @@
 """Tills that print for a long time in real time, over a local socket and a terminal, on bad links.
 
-Arguments: the till program. In the environment: QUORPORT, the command; QUOR_SOAK_SECONDS, how long (10
-unless it says otherwise); QUOR_SEED, the seed of the first job. The last line is a summary.
+The argument is the till program. The environment variable QUORPORT names the command `quorport`. QUOR_SOAK_SECONDS sets
+the seconds for which the tills print, 10 by default. QUOR_SEED sets the seed of the random choices, 1 by default. The
+last line of the output is a summary.
 
-No job fails on a link that was not cut. The jobs are on the paper in their order, each once: all of every job that was
-called printed, and only the beginning of any other job; the till holds no more descriptors and threads in the end than
-in the beginning, and less than 1 MiB more memory than after its fourth job.
+No job fails if its link was not cut. The jobs are on the paper in their order, each once. A job that was called printed
+is on the paper as a whole; of any other job, at most a beginning is on the paper. At the end, a till has as many
+descriptors and threads as at the start, and less than 1 MiB more memory than after its fourth job.
 """
 
 import json
@@ -26,7 +27,7 @@ from relay import Relay, SocketRelay, TerminalRelay, Weather  # noqa: E402
 SECONDS = float(os.environ.get("QUOR_SOAK_SECONDS", "10"))
 SEED = int(os.environ.get("QUOR_SEED", "1"))
 MOST_DRIFT = 1 << 20
-WARM_JOBS = 4  # by then the till has allocated the memory that it keeps
+WARM_JOBS = 4  # after so few jobs, the till has already allocated all memory that it keeps
 NOT_MEASURED = "not measured"
 
 

@@ -1,10 +1,11 @@
-// A till that runs for a long time: a process that reads commands from its standard input, and
-// answers with the outcome of each job and with the resources that it uses.
+// A till that runs for a long time: till DEVICE LOG-FILE line|escpos
 //
-//     till DEVICE LOG-FILE line|escpos
-//     print BYTES keep|anew     prints a job: as many bytes as given, which follow this line, on
-//                               the open port (keep) or on a new port (anew)
-// resources after the port is closed and released
+// The till reads requests from its standard input, and answers each with one line of JSON:
+//
+//     print BYTES keep|anew     Prints the job that follows this line and has BYTES bytes, on the
+//                               open port (keep) or on a new port (anew). Answers with the outcome.
+//     resources                 Closes and releases the port. Answers with the resources that the
+//                               process uses.
 
 #include <malloc.h>
 
@@ -44,8 +45,9 @@ std::uint64_t residentMemory() {
   return pages * 4096;
 }
 
-/// The resources of the process as soon as at most `threads` threads run: a port thread still runs
-/// for a slice after its port is closed. A thread that never ends is counted as well.
+/// The resources that the process uses. The function first waits until at most `threads` threads
+/// run, because a port thread ends a moment after its port is closed. It waits at most ten seconds,
+/// so a thread that never ends is counted.
 Json resources(std::ptrdiff_t threads) {
   using namespace std::chrono_literals;
   if (!LogWriter::sharedInstance().flush(1min)) {
@@ -62,7 +64,7 @@ Json resources(std::ptrdiff_t threads) {
           {"resident", residentMemory()}};
 }
 
-/// The line of the request is read up to its end; the data begins after it.
+/// Reads the data of a job, which begins after the line feed of the request.
 ByteBuffer receivedData(std::size_t size) {
   std::string text(size, '\0');
   std::cin.ignore();
