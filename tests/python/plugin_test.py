@@ -1,4 +1,4 @@
-"""The plug-in for pytest, as a shop's own tests use it. Needs pytest."""
+"""The plug-in for pytest, used in tests like those of a program that prints receipts. Needs pytest."""
 
 import subprocess
 import tempfile
