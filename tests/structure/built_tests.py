@@ -27,7 +27,7 @@ def run_names(build: Path, ctest: Path) -> list[str]:
 
 
 def runs(kind: str, suite: str, name: str, names: list[str]) -> bool:
-    # An optional folder and instance, then the suite, a type's number, the name, a parameter.
+    # The form of a name in ctest: [folder/][instance/]suite[/type number].name[/parameter]
     typed = r"/\w+" if kind.startswith("TYPED") else ""
     parameter = "/.+" if kind == "TEST_P" else ""
     pattern = re.compile(rf"(.*/)?{suite}{typed}\.{name}{parameter}")

@@ -1,4 +1,4 @@
-"""./dev names its arguments and the missing packages; the hook names the faults of a message. Usage: dev_test.py ROOT"""
+"""./dev reports wrong arguments and missing packages; the commit hook reports bad messages. Usage: dev_test.py ROOT"""
 
 import json
 import os
@@ -72,7 +72,7 @@ class DevPackages(unittest.TestCase):
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
 
     def test_the_packages_of_build_and_package_include_a_compiler(self):
-        """dpkg-buildpackage refuses to start without build-essential, whatever other packages are there."""
+        """dpkg-buildpackage refuses to start without build-essential, even if all other packages are installed."""
         self.assertIn("g++", self.shell('echo "${build_packages[@]}"').stdout)
         self.assertIn("build-essential", self.shell('echo "${package_packages[@]}"').stdout)
 
@@ -134,7 +134,7 @@ class CompilerWarnings(unittest.TestCase):
 
 
 class CommitMessage(unittest.TestCase):
-    """The hook for messages, which reminds and never refuses."""
+    """The hook for commit messages. It writes reminders, and never refuses a commit."""
 
     def reminders(self, message: str) -> list[str]:
         with tempfile.NamedTemporaryFile("w") as file:

@@ -1,7 +1,7 @@
 """The documentation refers to nothing that is missing. Usage: documentation.py ROOT
 
-Links between pages and to headings, files of the project named in `code`, commands of ./dev, and the
-sources that the page on the architecture names for the operations of the port: for each of them.
+Checks the links between pages and to headings, the paths of project files in `code`, and the commands of ./dev. Each
+operation of the port must be in the source that docs/architecture.md names for it.
 """
 
 import re
@@ -42,7 +42,7 @@ def broken_link(page: Path, target: str) -> bool:
 
 
 def missing_file(root: Path, code: str) -> bool:
-    """True for the path of a missing file; a path starts with a folder of the project."""
+    """True if `code` is the path of a file that does not exist. A path begins with a folder of the project."""
     head, slash, _ = code.partition("/")
     is_path = bool(head and slash) and re.fullmatch(r"[\w./-]+", code) and (root / head).is_dir()
     return bool(is_path) and head != "build" and not (root / code).exists()

@@ -1,7 +1,7 @@
-"""Checks the names of files, and that each room's library contains all sources of the room. Usage: files.py ROOT
+"""Checks the names of files, and that the library of a folder takes all sources of the folder. Usage: files.py ROOT
 
-A reader finds the class Foo in Foo.h and Foo.cpp and its test in foo_test.cpp; a source that lies in a room
-is part of the room's library without being listed anywhere.
+A reader finds the class Foo in Foo.h and Foo.cpp, and its test in foo_test.cpp. If a folder has a single library, no
+list names its sources, so that a new source cannot be left out.
 """
 
 import re
@@ -14,7 +14,7 @@ TESTS = ("tests", "fuzz", "examples")
 PRODUCT_NAME = re.compile(r"([A-Z][A-Za-z0-9]*\.(h|cpp)|main\.cpp)")
 TEST_NAME = re.compile(r"[a-z0-9]+(_[a-z0-9]+)*_test\.cpp")
 TEST = re.compile(r"^(TEST|TEST_F|TEST_P|TYPED_TEST|TYPED_TEST_P)\(", re.M)
-# Exceptions: the port has this header on every platform, and the public headers in C are named as those in C++.
+# The exception from the rule for names: this header of the port has the same name on every platform.
 KEPT_NAMES = ("iphone-IOPort/enum.h",)
 LIBRARY = re.compile(r"^quor_library\((.*?)\)$", re.M | re.S)
 
@@ -28,7 +28,7 @@ def badly_named(path: Path, text: str) -> str | None:
 
 
 def lists_its_sources(text: str) -> bool:
-    """Whether a folder with a single library names the sources, which are all of the folder's."""
+    """Whether a folder with a single library lists its sources. The list is needless: the library takes all of them."""
     libraries = LIBRARY.findall(text)
     return len(libraries) == 1 and bool(re.search(r"\bSOURCES\s[^)]*\.cpp", libraries[0]))
 

@@ -1,6 +1,6 @@
 """Checks the includes of each room. Usage: include_rules.py ROOT
 
-Each folder is a room of its own; RULES says which other rooms it may include. A room that is not listed there may
+Each folder is a room of its own. RULES says whose headers its files may include. A room that is not in RULES may
 include everything.
 """
 
@@ -12,7 +12,7 @@ from pathlib import Path
 
 import tree
 
-# Every header of the C++ standard library that the project uses, by its purpose.
+# Every header of the C++ standard library that the project uses, grouped by purpose.
 PLAIN = set(
     """algorithm any array atomic bit cassert cctype charconv climits cmath compare concepts cstddef
     cstdint cstdio cstdlib cstring deque exception functional initializer_list iterator limits list map
@@ -33,10 +33,10 @@ EVERY_SYSTEM_HEADER = None
 
 @dataclass(frozen=True)
 class Rule:
-    place: str  # a folder or files, from the root; the longest place that matches a file applies to it
-    rooms: tuple[str, ...]  # the rooms that it may include besides itself
-    headers: set[str] | None  # the headers in angle brackets that it may include
-    forbidden: str = ""  # a pattern that its lines must not contain
+    place: str  # a folder or a pattern of files, from the root; the longest place that matches a file applies
+    rooms: tuple[str, ...]  # the rooms whose headers the files may include, besides their own
+    headers: set[str] | None  # the headers in angle brackets that the files may include; None: all
+    forbidden: str = ""  # a pattern that no line of the files may contain
 
 
 NO_CLOCK = r"\b\w+_clock\b"
@@ -63,15 +63,15 @@ RULES = (
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
     Rule("backends/posix", ("platform", "text", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
-    # The links of the system take over a connection that the Bluetooth service has made.
+    # The Bluetooth service makes the connection; a link of backends/posix takes over its descriptor.
     Rule("backends/bluez", ("platform", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),
     # The device has the frameworks' own headers; this system has headers of the same names in a sub-folder.
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("discovery", ("backends", "text", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", "platform", PUBLIC), STANDARD, NO_CLOCK),
-    # The kernel locks a byte of a file. The wait for a lock uses no platform, because other processes do not use its
-    # clock.
+    # The wait for a lock uses the system's clock and not that of a platform, because the process that holds the lock
+    # does not use the platform.
     Rule("locks", (PUBLIC,), STANDARD | DESCRIPTORS),
     Rule("journal", ("job", "locks", "text", "iphone-IOPort", PUBLIC),
          STANDARD | DESCRIPTORS | {"sys/vfs.h", "sqlite3.h", "nettle/sha2.h"}),
@@ -85,7 +85,7 @@ RULES = (
     # The web server includes no header of a printer, only microhttpd.h and headers of the system.
     Rule("tools/http", ("text",), EVERY_SYSTEM_HEADER),
     Rule("tools/process", (), EVERY_SYSTEM_HEADER),
-    # The back end for CUPS prints the jobs of the print system, without the simulator.
+    # The printer application and the back end for CUPS may not include the simulator.
     Rule("tools/printer-app", ("render", "job", "journal", "locks", "iphone-IOPort", "text", "backends", "discovery",
                                "platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("tools/cups-backend", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery",

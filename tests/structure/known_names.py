@@ -1,8 +1,8 @@
-"""The port keeps the names that other people know. Usage: known_names.py ROOT
+"""The names by which users know the parts of the port remain in its code. Usage: known_names.py ROOT
 
-Logs, printers' manuals and old programs use these names for the port's operations, members, commands and steps. A
-reader of a record must find the same word in the source. So each name on the list must remain in the code, and the
-members must remain in their order.
+Logs, printers' manuals and old programs use these names for operations, members, commands and steps of the port. A
+reader of a log record must find the same word in the source. So each name in known_names.txt must remain in the code,
+and the members must remain in their order.
 """
 
 import re
@@ -19,7 +19,7 @@ MEMBERS = """portName_ portSettings_ timeout_ _selectedAccessory _session p_emul
 
 
 def code(text: str) -> str:
-    """The source without its comments and texts."""
+    """The source without comments and string literals."""
     return re.sub(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"', " ", text, flags=re.S)
 
 

@@ -1,6 +1,6 @@
 """A source that breaks the written style fails the lint. Usage: style_test.py ROOT
 
-Each case is a tree of one source, linted as ./dev check does it, with the rules of the project.
+Each case is a folder with one source file. The lint of ./dev check runs there, with the project's rules.
 """
 
 import json

@@ -1,4 +1,4 @@
-"""Shared by the checks of the tree: which files belong to it, and how a check reports."""
+"""Functions that all checks of the source tree use: the list of its files, and the report of a check."""
 
 import sys
 from collections.abc import Callable, Iterator
@@ -8,7 +8,7 @@ OUTSIDE = (".git", "build", "__pycache__")
 
 
 def files(root: Path, *suffixes: str) -> Iterator[Path]:
-    """The project's files below root, by path; with suffixes, only those that end in one."""
+    """The project's files below `root`, sorted by path. If there are suffixes, only files that end in one of them."""
     for entry in sorted(root.iterdir()):
         if entry.name in OUTSIDE or entry.name.startswith("build-"):
             continue
@@ -19,7 +19,7 @@ def files(root: Path, *suffixes: str) -> Iterator[Path]:
 
 
 def report(check: Callable[..., list[str]], *arguments: str) -> None:
-    """Runs a check, prints its objections, and ends the program: 0 if there are none."""
+    """Runs a check and prints its objections. Ends the program: with status 0 without objections, otherwise with 1."""
     objections = check(*map(Path, arguments))
     for objection in objections:
         print(objection)
