@@ -31,7 +31,7 @@ enum class StatusType : std::uint32_t;
 using ByteBuffer = std::vector<std::uint8_t>;
 
 /// The accessory protocol of the printers. A port chooses only an accessory that announces this
-/// protocol, and opens its session on it.
+/// protocol, and uses the protocol in its session.
 inline constexpr std::string_view quorProtocol = "com.quordalvane.receipt";
 
 /// The command ESC ACK SOH, which asks a line-mode printer for its status.
@@ -107,10 +107,10 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Ends the session: closes the streams and releases the session and the accessory. A call on the
   /// main thread also ends the port thread, within about 0.1 s. Never fails and never throws; may
-  /// be called on a port that is not open. Pauses 0.1 s first if the version of the system is 10.0
-  /// or more; with real links the version is that of the kernel, which is below 10.0 today. Then
-  /// waits until the printer has taken the bytes that were written: at most two seconds over a
-  /// socket, and not at all if the printer has taken them already.
+  /// be called on a port that is not open. If the platform reports the system version 10.0 or more,
+  /// first pauses 0.1 s. Over real links on Linux the system version is that of the kernel, which
+  /// is below 10.0 today. Then waits until the printer has taken the bytes that were written: at
+  /// most two seconds over a socket, and not at all if the printer has taken them already.
   void close();
 
   /// Returns true while the selected accessory is attached, even if `open` could not open a session
@@ -150,14 +150,15 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// of the command may have been sent before.
   ///
   /// If the link takes only a part of the command, the count is unreliable: it is the sum of all
-  /// attempts, but is compared with the length of the unsent rest alone. This arithmetic is kept
-  /// because printers in use are driven with it. After a partial attempt there are three cases. (a)
-  /// If the count equals the length of the rest, success is returned although bytes are unsent. (b)
-  /// If the count is below that length, this number of bytes is removed from the front of the rest,
-  /// so unsent bytes are skipped. (c) If the count is above that length, for example after the
-  /// second attempt sent all of the rest, the rest is sent again and again, without pause or
-  /// time-out, as long as the link takes it. Therefore use this operation only for short commands,
-  /// which a link takes at once. Send print data by `write` in a loop, or by a PrintJob.
+  /// attempts, but is compared with the length of the unsent rest alone. This arithmetic is kept so
+  /// that the printers in use receive the same bytes as until now. After a partial attempt there
+  /// are three cases. (a) If the count equals the length of the rest, success is returned although
+  /// bytes are unsent. (b) If the count is below that length, this number of bytes is removed from
+  /// the front of the rest, so unsent bytes are skipped. (c) If the count is above that length, for
+  /// example after the second attempt sent all of the rest, the rest is sent again and again,
+  /// without pause or time-out, as long as the link takes it. Therefore use this operation only for
+  /// short commands, which a link takes at once. Send print data by `write` in a loop, or by a
+  /// PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
@@ -300,8 +301,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   // -- Properties, from any thread ----------------------------------------------------------------
   // A getter returns a copy of the value.
 
-  /// The time limit of `endCheckedBlock` in milliseconds. Its initial value is the creation
-  /// time-out.
+  /// The time limit of `endCheckedBlock` in milliseconds. Its initial value is the time-out that
+  /// was passed to `initWithPortName`.
   /// @{
   std::uint32_t endCheckedBlockTimeoutMillis() const { return _endCheckedBlockTimeoutMillis; }
   void setEndCheckedBlockTimeoutMillis(std::uint32_t millis) {

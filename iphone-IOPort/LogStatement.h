@@ -176,8 +176,8 @@ constexpr bool fitsConversion(LogConversion conversion) {
   }
 }
 
-/// A format, split into one piece for each argument and the rest of the text. The compiler does the
-/// split, so it costs no time at run time.
+/// A format that is split into pieces: one piece for each argument, and `rest`, the text after the
+/// last of these pieces. The compiler splits the format, so this costs no time at run time.
 template <typename... Arguments>
 struct LogFormatPieces {
   std::array<LogFormatPiece, sizeof...(Arguments)> pieces;

@@ -19,9 +19,11 @@ class LogDelivery;
 
 /// Numbers that the logger has counted since the process began.
 struct LogStatistics {
-  std::uint64_t handedOver;  ///< number of records passed to outputLogAsyncWithLogType
-  std::uint64_t dropped;     ///< number of these records that were dropped: the queue was full or
-                             ///< memory was short
+  /// The number of records that were passed to outputLogAsyncWithLogType.
+  std::uint64_t handedOver;
+
+  /// How many of these records were dropped because the queue was full or memory was short.
+  std::uint64_t dropped;
 };
 
 /// The library's logger. The logger decides which records are wanted, and passes these records to

@@ -24,8 +24,8 @@ struct Deallocation {
   void operator()(void* memory) const noexcept { ::operator delete(memory); }
 };
 
-/// Memory without an object in it, allocated by a direct call of `operator new`: a compiler may
-/// remove a new expression whose object nobody uses.
+/// Memory without an object in it. It is allocated by a direct call of `operator new`, because a
+/// compiler may remove the expression `new T` if nobody uses the object.
 using RawMemory = std::unique_ptr<void, Deallocation>;
 
 // A null stream means that there is no session. Without a session there is no space, and there are
@@ -252,8 +252,8 @@ std::int32_t ExternalAccessoryPort::retryWrite(const ByteBuffer& givenCommand, R
         return -1;
       }
       usleep(microseconds(secInterval1()));
-      // The sum of all attempts is used as an offset into the unsent rest. The comment on the
-      // declaration of `writeWithRetry` says why.
+      // The offset into the unsent rest is the number of bytes that all attempts together have
+      // sent. The comment on the declaration of `writeWithRetry` says why.
       const std::int32_t offset = std::max(amountWritten, 0);
       const Range subDataRange = {.location = offset, .length = length - offset};
       tail = subrange(*command, subDataRange);

@@ -6,9 +6,9 @@
 
 namespace quordalvane {
 
-/// Measures a wait whose limit is a number of whole seconds of the wall clock. Somebody may set the
-/// clock back at any time: this only makes the wait longer, because the difference is a signed
-/// 64-bit number.
+/// Measures a wait whose limit is a number of whole seconds of the wall clock. If somebody sets the
+/// clock back, the wait only becomes longer: the time since the start is a signed number, which may
+/// be negative and does not wrap around.
 class WholeSecondsWait {
  public:
   WholeSecondsWait(Clock& clock, std::uint32_t timeoutMillis)
