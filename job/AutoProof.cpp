@@ -45,7 +45,8 @@ MaybeSetback AutoProof::ask() {
     return setback;
   }
   memory_.foundProof = found.kind;
-  // Answers that an earlier search did not wait for may still arrive, so they remain in the list.
+  // The printer may still answer an earlier search, so the proofs that are already in `owed` remain
+  // there.
   memory_.owed.merge(found.owed);
   return std::nullopt;
 }

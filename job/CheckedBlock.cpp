@@ -13,8 +13,9 @@ namespace {
 
 constexpr std::uint32_t statusLevel = 2;
 
-// How much longer than its limit a wait of the port may last: the port counts whole seconds, and
-// finishes an exchange that has begun. A wait that lasts even longer is abandoned.
+// A wait of the port may last longer than its limit, because the port counts whole seconds and
+// finishes an exchange that has begun. A wait that exceeds its limit by more than this time is
+// abandoned.
 constexpr auto timeToLeave = std::chrono::seconds(4);
 
 }  // namespace
@@ -138,8 +139,8 @@ MaybeSetback CheckedBlock::end(ByteView data) {
 
 MaybeSetback CheckedBlock::judgeEnd(ByteView data, const std::string& failure) {
   const auto obstacle = confirmationObstacle(data, link().port().emulation());
-  // If the data contains an obstacle, that is a command that prevents a confirmation, this command
-  // may have caused the time-out. So the obstacle is reported, and not the time-out.
+  // An obstacle is a command in the data that prevents a confirmation. This command may have caused
+  // the time-out, so the obstacle is reported instead of the time-out.
   if (!failure.empty() && (!obstacle || link().isLost())) {
     return link().failedExchange(failure);
   }

@@ -35,8 +35,9 @@ class EndSign : public Proof {
   /// Makes sure that no sign of another job can arrive.
   virtual MaybeSetback prepare() { return std::nullopt; }
 
-  /// Stores in `question` the query that will follow `data`. Returns a setback if the data itself
-  /// could cause the sign.
+  /// Stores in `question` the query that will follow `data`. Returns a setback if the answer to
+  /// this query could not prove that the data was printed, for example because the data itself
+  /// could cause the answer.
   virtual MaybeSetback makeQuestion(ByteView data, std::vector<std::uint8_t>& question) = 0;
 
   /// Returns whether the sign of this job has arrived.

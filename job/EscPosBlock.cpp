@@ -81,8 +81,9 @@ MaybeSetback EscPosBlock::end(ByteView data) {
   return setback;
 }
 
-/// Calls the port's operation that ends the block. If this class has abandoned the operation
-/// because the report has arrived, asks for the last status itself.
+/// Calls the port's operation that ends the block. If the report has arrived, `stopIfReported` may
+/// abandon this operation before it has read the last status. In that case this function asks for
+/// the status.
 bool EscPosBlock::endInTime() {
   awaitsReport_ = true;
   try {

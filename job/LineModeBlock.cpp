@@ -20,7 +20,7 @@ constexpr std::uint8_t markAndEnd[] = {0x17, 0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00}
 constexpr auto earlierJobCounted =
     "before this job began, the printer counted the end of an earlier job";
 
-// A printer that holds no data counts a mark as soon as it receives it.
+// A printer that holds no data counts a mark as soon as the mark arrives.
 constexpr auto timeToCount = std::chrono::seconds(1);
 
 // A wait ends at most one second after its limit, as a wait of the port does.

@@ -9,9 +9,9 @@
 namespace quordalvane {
 namespace {
 
-// The data is written in pieces. A piece has at most this size, and on a slow link at most twice
-// the number of bytes that the link took last. Between two pieces a job checks whether it was
-// cancelled, and reports its progress. Smaller pieces would cost more system calls.
+// The data is written in pieces of at most this size. If a slow link takes only a part of a piece,
+// the next piece is at most twice as long as this part. Between two pieces a job checks whether it
+// was cancelled, and reports its progress. Smaller pieces would cost more system calls.
 constexpr std::size_t largestPiece = std::size_t{512} * 1024;
 constexpr std::size_t smallestPiece = 256;
 
@@ -81,8 +81,8 @@ void PortLink::bytesRead(ByteView bytes) {
   goOn();
 }
 
-/// Without this exception, some operations of the port would read from a lost link until their
-/// time-out.
+/// If this function did not throw, some operations of the port would read from a lost link until
+/// their time-out.
 void PortLink::readFailed() {
   if (deadline_ != noDeadline) {
     throw GivenUp();

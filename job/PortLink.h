@@ -16,10 +16,10 @@ namespace quordalvane {
 /// every byte is counted. A PortLink is the only observer of its port while it exists.
 class PortLink final : private TransferObserver {
  public:
-  /// Thrown by an operation of the port that was cancelled.
+  /// Thrown by an operation of the port after `cancelled` has become true.
   struct Cancelled {};
 
-  /// Thrown by an operation of the port that took too long, or whose link is lost.
+  /// Thrown by an operation of the port if the operation took too long or the link is lost.
   struct GivenUp {};
 
   using Reply = ExternalAccessoryPort::Reply;

@@ -62,8 +62,8 @@ struct FixedForm {
   std::size_t length;
 };
 
-// In this table and in the next table, the first row that matches counts. So of two prefixes that
-// begin with the same bytes, the longer prefix must be listed first.
+// In this table and in `commandForms`, the first row with a matching prefix is used. So of two
+// prefixes that begin with the same bytes, the longer prefix must be listed first.
 const FixedForm fixedForms[] = {
     {{0x1b, 0x1d, 0x03}, 6}, {{0x1b, 0x23, 0x2a}, 5}, {{0x1b, 0x23, 0x2c}, 6},
     {{0x1b, 0x23}, 3},       {{0x1b, 0x2a, 0x72}, 4},
@@ -141,8 +141,10 @@ std::optional<PrintCommand> storedImages(ByteView data) {
   return counted(length, 0);
 }
 
-/// Reads a command that ends with a zero byte. Printers agree on the end of the command only if all
-/// printers accept its content. If the zero is missing, the command is longer than the data.
+/// Reads a command that ends with a zero byte. Returns null if the content before the zero is too
+/// long, or if `isOdd` is true for one of its bytes. Some printers reject such content, so printers
+/// disagree about the end of the command. If the zero is missing, the returned length is larger
+/// than the data.
 std::optional<PrintCommand> terminated(ByteView data, std::size_t header, std::size_t most,
                                        bool (*isOdd)(std::uint8_t before, std::uint8_t byte)) {
   const auto content = data.subspan(header);

@@ -20,8 +20,8 @@ struct PrintCommand {
 };
 
 /// Returns the command at the beginning of `data`, which must not be empty. Returns null if the
-/// command is unknown, or if printers differ in its parameters. In both cases the end of the
-/// command is unknown, and so is everything after the command.
+/// command is unknown, or if printers disagree about its parameters. In both cases the end of the
+/// command is unknown, so the commands after it cannot be read.
 std::optional<PrintCommand> printCommandAt(ByteView data);
 
 }  // namespace quordalvane

@@ -29,8 +29,7 @@ enum class PrintObstacle {
   PrinterNotReady,  ///< the printer answered that it is off line, or that paper is in its exit
   LinkLost,         ///< the link was lost before the job ended
   Cancelled,        ///< `PrintJob::cancel` was called
-  ExchangeFailed,   ///< the printer did not answer, the link had no space for too long, or a write
-                    ///< failed
+  ExchangeFailed,   ///< no answer, a failed write, or no space on the link for too long
   NoProof,  ///< all data was sent, but its confirmation is missing or could belong to another job
 };
 
@@ -44,8 +43,8 @@ struct PrintResult {
   /// gives no proof.
   ProofKind proof = ProofKind::None;
 
-  /// True if the job asked the printer which proof it gives. To save this query, name the proof in
-  /// the job's options or in the `proof=` of the device.
+  /// True if the job asked the printer which proof it gives. To avoid this query, name the proof in
+  /// the job's options or in the key `proof=` of the device.
   bool hasAskedForProof = false;
 
   /// The result code of the beginning of the checked block; failed if the job had no checked block.

@@ -136,8 +136,9 @@ class Question final : private TransferObserver {
   }
 
  private:
-  // In ESC/POS the port rejects most parts of a status block. If the port's last read was empty,
-  // the port has timed out and has mixed up nothing.
+  // In ESC/POS the port rejects most parts of a status block, so it may report no answer after it
+  // has mixed up two answers. If the last read of the port received nothing, the port reports no
+  // answer because of its time-out, and has mixed up nothing.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
     const Bytes bytes = joined(reads_);

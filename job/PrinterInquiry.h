@@ -93,8 +93,10 @@ class QUOR_EXPORT PrinterInquiry {
 
  private:
   const std::shared_ptr<ExternalAccessoryPort> port_;
-  std::vector<std::vector<std::uint8_t>> reads_;  // one entry for each read of the last query; an
-                                                  // entry is empty if its read received nothing
+
+  // The bytes of each read that the port made during the last query. An entry is empty if the read
+  // received nothing.
+  std::vector<std::vector<std::uint8_t>> reads_;
 };
 
 }  // namespace quordalvane
