@@ -21,8 +21,8 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     open();
   }
 
-  // A session normally waits for its device when it ends. Here only the tests of a stalled device
-  // do so.
+  // When a session ends, it normally waits for its device. Only the tests of a stalled device need
+  // this wait, so it is skipped here.
   void TearDown() override {
     if (session) {
       session->abandon();
@@ -85,8 +85,9 @@ class LinkContract : public testing::TestWithParam<LinkKind> {
     return bytes;
   }
 
-  /// Writes text until the link takes no more, or has taken `limit`; returns the number that it
-  /// took. The system moves the bytes of a terminal a moment later, and then there is space again.
+  /// Writes text until the link takes no more bytes, or has taken `limit` bytes or more. Returns
+  /// the bytes that the link took. A full terminal may have space again after a moment, so `fill`
+  /// waits for a moment before it gives up.
   Bytes fill(std::size_t limit = SIZE_MAX) {
     constexpr double moment = 0.1;
     Bytes taken;

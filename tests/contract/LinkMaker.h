@@ -54,7 +54,7 @@ struct LinkTraits {
   bool endsForTheDevice = true;  ///< the device learns of the end of a session
 };
 
-/// One kind of link: the accessory under test and the other side of its sessions.
+/// One kind of link: the accessory under test, and the device's end of its sessions.
 class LinkMaker {
  public:
   virtual ~LinkMaker() = default;
@@ -63,7 +63,8 @@ class LinkMaker {
   virtual Platform& platform() = 0;
   virtual std::shared_ptr<EAAccessory> accessory() = 0;
 
-  /// The other side of the session that was opened last; called once for each session.
+  /// Returns the device's end of the session that was opened last. To be called exactly once for
+  /// each session.
   virtual std::unique_ptr<Peer> peer() = 0;
 
   /// Runs `routine` on the thread on whose run loop the streams are scheduled.

@@ -82,8 +82,8 @@ class UnixMaker : private test::TemporaryFolder, public ListeningMaker {
   Descriptor connect() override { return posix::connectUnix(file("socket")); }
 };
 
-/// A pair of sockets replaces the driver of USB printers; the link reads and closes it in the same
-/// special way.
+/// A pair of sockets replaces the driver of USB printers. The link reads and closes the pair in the
+/// way that only USB printers need.
 class PrinterDriverMaker : public PosixLinkMaker {
  public:
   LinkTraits traits() const override { return {.closesOneWay = false, .resets = false}; }

@@ -55,7 +55,8 @@ TEST_P(LinkContract, AResetEndsTheLinkEvenWithBytesUnread) {
   if (!maker->traits().resets) {
     GTEST_SKIP() << "the link cannot be reset";
   }
-  ASSERT_EQ(write({1}), 1);  // the device does not read them, so that every kind of link is reset
+  // Some kinds of links are reset only if the device has not read all bytes.
+  ASSERT_EQ(write({1}), 1);
   peer->write({1, 2, 3});
   peer->reset();
   std::uint8_t buffer[8];
@@ -130,7 +131,8 @@ TEST_P(LinkContract, TheDeviceSeesTheLinkEndWhenTheSessionEnds) {
 
 TEST_P(LinkContract, TheEndOfASessionWaitsUntilADeviceThatSendsReportsHasReadAllBytes) {
   peer->stall();
-  const Bytes taken = fill(256 << 10);  // so few that any machine moves them while the end waits
+  // Any machine can move these few bytes before the ending session stops waiting.
+  const Bytes taken = fill(256 << 10);
   Bytes arrived;
   std::thread device([&] {
     while (arrived.size() < taken.size()) {

@@ -3,10 +3,10 @@
 namespace quordalvane::contract {
 namespace {
 
-constexpr double instantly = generously / 2;  // seconds; a longer call has waited
+constexpr double instantly = generously / 2;  // seconds; a call that takes longer has waited
 
 TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesArrive) {
-  ASSERT_EQ(write({1}), 1);  // the device may answer, so the call would wait
+  ASSERT_EQ(write({1}), 1);  // the device may answer, so waitUntilReady waits for bytes
   peer->write({1});
   const double start = now();
   input->waitUntilReady(generously);
