@@ -9,8 +9,8 @@ struct Allocations {
   std::uint64_t bytes = 0;
 };
 
-/// The memory that the calling thread has taken from the heap so far, by `new` in all its forms. A
-/// program that is linked with this counts from its beginning.
+/// The memory that the calling thread has taken from the heap so far, by `new` in all its forms.
+/// The counting begins when the program starts.
 Allocations allocationsOfThisThread();
 
 /// The memory that `body` takes from the heap on this thread.

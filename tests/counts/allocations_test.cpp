@@ -49,8 +49,8 @@ TEST(AllocationCounts, ALogStatementAllocatesNothingIfItsLevelIsOff) {
   EXPECT_EQ(taken.count, 0U);
 }
 
-// Every buffer that a job takes is filled once: the memory that it takes is the number of bytes
-// that it copies.
+// Every buffer that a job allocates is filled once. So the size of the allocated memory is the
+// number of bytes that the job copies.
 TEST(AllocationCounts, AJobCopiesItsBytesAtMostTwice) {
   for (const bench::Medium medium : {bench::Medium::Tcp, bench::Medium::Local}) {
     bench::Peer peer(bench::Core::Second);

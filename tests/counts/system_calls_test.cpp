@@ -156,8 +156,9 @@ long waitsOfThisThread() {
   return usage.ru_nvcsw;
 }
 
-/// How many waits an idle slice of this thread has: the median of many, because the system
-/// sometimes makes a thread wait for its own reasons.
+/// Returns how often this thread waits during a run-loop slice in which nothing happens. The result
+/// is the median of many slices, because the system sometimes makes a thread wait for reasons of
+/// its own.
 long waitsOfAnIdleSlice() {
   std::array<long, 21> waits;
   for (long& count : waits) {

@@ -53,7 +53,7 @@ class Lane:
                 if entry.name.isdigit() and os.readlink(entry / "exe") == str(self.exe):
                     found.append(int(entry.name))
             except OSError:
-                continue  # it has ended meanwhile, or is another user's
+                continue  # the process has ended meanwhile, or belongs to another user
         return found
 
     def guard_and_worker(self) -> tuple[int | None, int | None]:
@@ -97,7 +97,8 @@ class Lane:
         eventually(lambda: not self.back_ends(), "no back end runs")
 
     def settled(self, job: int) -> str:
-        """The last state of the job. The other back end may wait for its printer for ever; then it is ended."""
+        """The last state of the job. The back end `socket` may wait for its printer for ever. If so, it is killed,
+        and the result is `hung`."""
         try:
             return eventually(lambda: self.state(job), f"job {job} stays as it is")
         except AssertionError:
@@ -115,7 +116,7 @@ class Lane:
             # Nothing can notice that a process was killed before its first instruction.
             eventually(lambda: self.guard_and_worker()[1] or self.state(job), "the back end has begun")
         began = time.monotonic()
-        time.sleep(max(0.0, began + moment - time.monotonic()))  # waits for the moment that the case tests
+        time.sleep(max(0.0, began + moment - time.monotonic()))  # waits until the job has reached the given moment
         self.strike(victim)
         state = self.settled(job)
         copies = (printed(self.printer) - before) / len(COPY)
@@ -135,8 +136,8 @@ def moments(count: int) -> list[float]:
 
 
 def report(back_end: str, ends: list[tuple[str, float]]):
-    """The counts of states and of copies on paper. Scripts read these lines, so the first one must not begin with the
-    dot of an earlier test."""
+    """Prints two counts, each on a line that scripts read. The test runner prints a dot for each test without ending
+    the line, so the line of dots is ended first."""
     print()
     for meaning, is_so in (("jobs more than once on paper", lambda state, copies: copies > 1),
                            ("jobs completed without all of it on paper", lambda state, copies: state == "completed" and copies < 1)):
@@ -169,7 +170,8 @@ class Crashes(unittest.TestCase):
         print(f"{len(ends)} cases: jobs that are {dict(states)}")
 
     def test_outcomes_of_crashes_of_the_cups_socket_back_end_are_measured(self):
-        """This test asserts nothing: we compare its figures with those of `quor`. It tries half of the moments."""
+        """This test asserts nothing: we compare its figures with those of `quor`. It tries half as many
+        moments of a job as the test of `quor`."""
         victims = ("worker", "scheduler stopped", "scheduler killed")
         with concurrent.futures.ThreadPoolExecutor(len(POLICIES)) as lanes:
             cases = sum(lanes.map(lambda policy: self.run_lane(policy, "socket", SOCKET, victims, (MOMENTS + 1) // 2), POLICIES), [])

@@ -47,8 +47,8 @@ class DriverlessQueue(Application, QueueCase):
                 (self.scheduler.folder / "data" / folder).symlink_to(Path("/usr/share/cups") / folder)
         subprocess.run(["lpadmin", "-h", self.scheduler.socket, "-p", "till", "-E", "-m", "everywhere", "-v", self.client.uri],
                        check=True, capture_output=True, **as_nobody())
-        # The scheduler asks the printer for its formats only after it has created the queue; until then it passes bytes
-        # unchanged.
+        # The scheduler asks the printer for its formats only after it has created the queue. Until then the queue
+        # passes documents on unchanged.
         eventually(lambda: "Raw" not in self.scheduler.printer("till")["printer-make-and-model"][0], "the queue knows its printer")
 
     def print_file(self, name: str, contents: bytes, *options: str) -> int:

@@ -1,4 +1,5 @@
-"""Queues if the disk of the journal, or the disk of the scheduler, is full. Only root can mount such a disk."""
+"""Jobs of a queue while the disk of the journal, or the disk of the scheduler, is full. Only root can mount the small
+disks of these tests."""
 
 import http.client
 import os

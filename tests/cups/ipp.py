@@ -1,5 +1,5 @@
-"""Asks a print scheduler by IPP. This client asks for a state in a millisecond; starting a process would take
-longer."""
+"""A client that asks a print scheduler by IPP. It gets the state of a job within a millisecond; to start a command for
+each question would take longer."""
 
 import http.client
 import itertools

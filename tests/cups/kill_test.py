@@ -1,4 +1,5 @@
-"""The process that waits for the printing process is killed at each of its system calls."""
+"""One process of the back end prints, and another waits for it. The waiting process is killed at each system call that
+it makes."""
 
 import os
 import subprocess

@@ -9,12 +9,12 @@ from private_bus import BusCase
 from queues import QUOR, RECEIPT, least
 
 ADDRESS = "01:23:45:67:89:AB"
-LIMIT = 3  # seconds that a list may take
+LIMIT = 3  # seconds that the back end may take to list printers
 
 
 class Listing(BusCase):
     def list(self) -> tuple[str, float]:
-        """The lines of a list, and how long it took."""
+        """The output of the back end that lists printers, and how many seconds this took."""
         began = time.monotonic()
         said = subprocess.run([QUOR], capture_output=True, text=True, timeout=DEADLINE, env=self.environment)
         self.assertEqual(said.returncode, 0, said)

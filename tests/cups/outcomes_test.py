@@ -217,7 +217,7 @@ class Empty(QueueCase):
 
 
 class BackEndKilledBeforeItBegins(QueueCase):
-    """The only way to end a back end unnoticed: see the guide."""
+    """Only a back end that is killed before it begins can end unnoticed: see the guide."""
 
     def test_the_page_log_counts_no_page_if_the_back_end_was_killed_before_it_began(self):
         program = self.scheduler.folder / "bin/backend/quor"

@@ -56,7 +56,7 @@ class QueueCase(Case):
         return self.scheduler.print_job(queue, data, *attributes)
 
     def assertSettles(self, job: int, state: str):
-        """Waits until the job ends, or is held, in that state."""
+        """Waits until the job has ended, is held or is stopped, and checks that its state is `state`."""
         settled = self.scheduler.await_state(job, *SETTLED)
         self.assertEqual(settled, state, self.story(job))
 

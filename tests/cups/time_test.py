@@ -25,7 +25,7 @@ class JobTime(QueueCase):
         return time.monotonic() - began
 
     def test_a_job_takes_at_most_150_ms_more_than_with_a_back_end_that_confirms_nothing(self):
-        """Compares the shortest of several times: other work on the machine only makes a time longer."""
+        """Compares the shortest time of each back end, because other work on the machine only makes a time longer."""
         ours, theirs = self.simulator(), self.simulator()
         self.queue(ours, "ours")
         self.scheduler.add_queue("theirs", f"socket://{theirs.place.removeprefix('tcp:')}")
