@@ -1,6 +1,6 @@
 // Prints one receipt by a client library, asks for the status if the library can, and shows the answers:
 //   node clients.js CLIENT HOST PORT [MODE] [FILE]
-// With FILE the receipt is this text, otherwise a line.
+// With FILE, the receipt is the text in this file. Otherwise it is one line.
 
 const fs = require("node:fs");
 const net = require("node:net");
@@ -58,7 +58,8 @@ const clients = {
     const device = new Adapter(host, port);
     await new Promise((resolve, reject) => device.open((error) => (error ? reject(error) : resolve())));
     const printer = new Printer(device, {});
-    // This library reads the four answers only if they arrive together, so its four questions are sent together.
+    // getStatuses asks four questions and reads the answers only if they arrive together, so the questions are sent
+    // together.
     device.device.cork();
     process.nextTick(() => device.device.uncork());
     const statuses = await within(5000, printer.getStatuses(), "statuses");

@@ -45,7 +45,7 @@ class OtherLibraries(unittest.TestCase):
         self.start("escpos-80")
 
     def start(self, profile: str):
-        # Each printer has an address of its own, because one library can only use the usual port.
+        # Each printer has an address of its own, because one of the libraries always connects to port 9100.
         self.host = "127." + ".".join(str(random.randint(1, 250)) for _ in range(3))
         self.printer = subprocess.Popen(
             [QUORPORT, "--json", "simulate", "--strict", "--set", f"profile={profile}", "--listen",
@@ -60,7 +60,7 @@ class OtherLibraries(unittest.TestCase):
         """The text on the paper, and the printer's record of the job."""
         ran = subprocess.run(["node", "clients.js", client, self.host, "9100", mode, file], cwd=FOLDER,
                              capture_output=True, text=True, timeout=DEADLINE, check=False)
-        # One library also shows the printer's answers, whenever they arrive.
+        # One of the libraries also shows the printer's answers, whenever they arrive.
         self.assertIn("success", ran.stdout.splitlines(), (mode, ran))
         job = json.loads(self.printer.stdout.readline())
         paper = next(file for file in job["files"] if file.endswith(".txt"))

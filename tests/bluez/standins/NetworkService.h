@@ -17,7 +17,7 @@ struct StandInAnnouncement {
   std::uint16_t port = 9100;
   std::vector<std::string> texts = {};
   std::string type = "_pdl-datastream._tcp";
-  std::uint32_t flags = 0;  ///< of the resolution; 1: the service only remembers it
+  std::uint32_t flags = 0;  ///< of the resolver's answer; 1: the answer is cached
 };
 
 /// A stand-in on the system's bus for the part of the network's discovery service that a search

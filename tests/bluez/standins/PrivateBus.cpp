@@ -43,8 +43,8 @@ PrivateBus::PrivateBus() {
   ::posix_spawn_file_actions_init(&actions);
   ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
   ::posix_spawn_file_actions_addclose(&actions, ends[0]);
-  // If a test crashes, its daemon still runs; it must not keep the stream open that the runner
-  // reads.
+  // If a test crashes, its daemon continues to run. The daemon must not keep standard error open,
+  // because the runner reads this stream to its end.
   ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
   std::string file = "--config-file=" + folder_.file("bus.conf");
   std::array<char*, 5> arguments = {const_cast<char*>("dbus-daemon"), file.data(),
