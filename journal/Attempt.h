@@ -28,8 +28,8 @@ struct Attempt {
   PrintObstacle obstacle =
       PrintObstacle::NoProof;  ///< as in `PrintResult`; valid after the attempt has ended
 
-  /// When a person was told that the outcome is unknown, in milliseconds since 1970, UTC; null if
-  /// no person was told.
+  /// The time at which it was reported to a person that the outcome is unknown; null if this was
+  /// not reported. The unit is milliseconds since 1970, UTC.
   std::optional<std::int64_t> told = {};
 };
 

@@ -140,9 +140,9 @@ std::vector<Attempt> Journal::attemptsOf(std::string_view name) {
   return rowsOf(*database_, name);
 }
 
-/// Writes a row. The new row replaces the row of the same name with the number `replaced`, if such
-/// a row exists. The old row is read again here, because another process may have changed it since
-/// the caller read it.
+/// Adds `attempt` as a row. If there is a row of the same name whose number is `replaced`, that row
+/// is deleted. It is read again here, because another process may have changed it since the caller
+/// read it.
 void Journal::write(const Attempt& attempt, std::int64_t replaced) {
   Transaction transaction(*database_);
   for (const Attempt& row : rowsOf(*database_, attempt.name)) {

@@ -31,10 +31,15 @@ struct JobRecord {
   std::string device;         ///< the device text of the job's printer
   std::uint64_t bytes = 0;    ///< the length of the job's data
   std::int64_t attempts = 0;  ///< the number of attempts so far
-  std::int64_t begun = 0;  ///< when the latest attempt began, in milliseconds since 1970, UTC, by
-                           ///< the clock at that time
-  std::optional<std::int64_t>
-      ended;  ///< when that attempt ended, in the same unit; null if the end was not recorded
+
+  /// The beginning of the latest attempt, as the system's clock showed it, in milliseconds since
+  /// 1970, UTC.
+  std::int64_t begun = 0;
+
+  /// The end of the latest attempt, in milliseconds since 1970, UTC; null if the end was not
+  /// recorded.
+  std::optional<std::int64_t> ended;
+
   JobState state = JobState::Refused;
   std::string reason;  ///< why the job was not printed, for a person; "" if it was printed
 };
@@ -76,7 +81,8 @@ class QUOR_EXPORT Journal {
   std::vector<JobRecord> jobs();
 
   /// Removes a job. A later job with this name counts as new and is printed, even if the removed
-  /// job is on paper already. Waits at most two seconds for another process that has the name.
+  /// job is on paper already. If another process uses the job, waits for it at most two seconds,
+  /// and returns BeingPrinted if it needs longer.
   Forgetting forget(const std::string& name);
 
   /// Removes the jobs whose last attempt began more than `days` days ago, with any outcome. A job

@@ -52,7 +52,7 @@ class Descriptor {
 };
 
 // Writes the names in the folder to disk. Without this function, a power failure could remove the
-// name of a new file, and with the name all data of the file.
+// name of a new file. Nobody could then find the data of the file.
 void syncFolder(const std::filesystem::path& folder, const std::filesystem::path& file) {
   const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (opened.number() < 0 || ::fsync(opened.number()) != 0) {
