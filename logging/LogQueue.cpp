@@ -90,8 +90,8 @@ bool LogQueue::take(Batch& batch) {
     if (!open_) {
       return false;
     }
-    // The queue is empty although its level was raised: the previous batch already contained the
-    // record for which the level was raised.
+    // A record has raised the fill level, but the queue is empty, because the previous batch
+    // already contained this record.
   }
 }
 
@@ -99,7 +99,7 @@ void LogQueue::swapPending(Batch& batch) {
   try {
     batch.records.reserve(capacity_);  // allocates only after a change of the capacity
   } catch (const std::bad_alloc&) {
-    // The next call tries again.
+    // The next call of this function will try again to reserve the memory.
   }
   std::swap(batch, pending_);
   pending_.dropped = 0;

@@ -28,10 +28,11 @@ class LogQueue {
 
   /// Numbers that the queue has counted since it was created.
   struct Counts {
-    std::uint64_t handedOver =
-        0;  ///< number of records pushed, including those pushed while the queue was closed
-    std::uint64_t dropped = 0;  ///< number of these records that were dropped because the queue was
-                                ///< full, or lost (see lose)
+    /// The number of records that were pushed, even while the queue was closed.
+    std::uint64_t handedOver = 0;
+
+    /// How many of these records were dropped: by a full queue or by `lose`.
+    std::uint64_t dropped = 0;
   };
 
   /// The initial and the maximum number of records that may wait. Memory for this number is
@@ -58,7 +59,7 @@ class LogQueue {
   /// Puts the record into the queue, or drops it if the queue is full. The value of `record` is
   /// unspecified afterwards. A full queue remains full until the writer takes its records, so all
   /// records that are dropped until then are missing at one place. A closed queue discards the
-  /// record and does not count it as dropped, because no sink misses it.
+  /// record and does not count it as dropped, because no sink expects it.
   void push(LogRecord&& record) noexcept;
 
   /// Sets how many records may wait; records that the writer has taken are not counted. Records
@@ -90,7 +91,7 @@ class LogQueue {
   void finish(std::size_t records);
 
   /// Counts taken records as dropped, because no sink received them; `records` is their number.
-  /// These records are finished as well, so nobody waits for them.
+  /// Also counts them as finished, so that `waitUntilFinished` does not wait for them.
   void lose(std::size_t records);
 
   /// Waits until every record queued so far is finished. Returns false if this takes longer than
