@@ -13,7 +13,8 @@ from quorioport.status import Status, StatusRecord, status_of
 
 LONGEST = 2**32 - 1  # milliseconds
 
-# A new port chooses among the devices of the whole process, so only one port at a time may set them.
+# The devices are set for the whole process, and a new port chooses among them. So only one thread at a time may set
+# the devices and create a port.
 _creation = threading.Lock()
 
 

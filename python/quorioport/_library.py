@@ -61,7 +61,7 @@ LENGTH = ctypes.POINTER(SIZE)
 TEXT_OUT = (TEXT, SIZE, LENGTH)
 STATUS = ctypes.POINTER(StatusRecord)
 
-# The functions that return a code, with their arguments.
+# The functions that return a code, and their arguments.
 CODES: dict[str, tuple[object, ...]] = {
     "connect_devices": (ctypes.POINTER(TEXT), SIZE),
     "port_create": (TEXT, TEXT, UNSIGNED, INT, ctypes.POINTER(HANDLE)),
@@ -93,7 +93,7 @@ CODES: dict[str, tuple[object, ...]] = {
     "log_set_target_levels": (ctypes.POINTER(INT), SIZE),
 }
 
-# The functions that return another value.
+# The functions that do not return a code: the type of their result, and their arguments.
 OTHERS: dict[str, tuple[object, tuple[object, ...]]] = {
     "last_error": (TEXT, ()),
     "version": (TEXT, ()),

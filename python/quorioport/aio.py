@@ -66,7 +66,7 @@ class AsyncPort:
 
     @property
     def port(self) -> Port:
-        """The Port that this object uses; the operations of the Port block."""
+        """The Port that this object uses. Its operations block the thread that calls them."""
         return self._port
 
     @property

@@ -42,7 +42,7 @@ class Proof(Enum):
     BLOCK = "block"
     #: The printer returns four random characters that end the job. Only in ESC/POS.
     PROCESS_ID = "process-id"
-    #: The printer answers a question after the data when it has printed the data. Only in ESC/POS.
+    #: A query follows the data. The printer answers the query after it has printed the data. Only in ESC/POS.
     IN_ORDER = "in-order"
 
 
@@ -134,7 +134,7 @@ class RunningJob:
     def run(self, handle: Handle, data: bytes) -> PrintResult:
         """Prints the data over an open port.
 
-        If the progress function raises an error, the job is cancelled, and the error is raised after it has ended.
+        If the progress function raises an error, the job is cancelled. After the end of the job, this error is raised.
         """
         handle.require_open()
         return self.run_with(handle, lambda job: c.call("print_job_run", job, data, len(data)))

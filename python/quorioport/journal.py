@@ -190,7 +190,7 @@ class Journal:
 
 
 class Named:
-    """One call with a name, to be used on the port's thread."""
+    """One call that prints data under a name. `run` must be called on the port's thread."""
 
     def __init__(self, journal: ctypes.c_void_p, name: str, device: str, again: bool, timeout: int) -> None:
         """`timeout` is in milliseconds."""
@@ -223,7 +223,7 @@ class Named:
 
     @contextmanager
     def _created(self, handle: Handle) -> Iterator[None]:
-        """Creates the library's port for the block, without opening it, because a known outcome needs no open port."""
+        """Creates the port for a `with` statement, without opening it, because a known outcome needs no open port."""
         handle.create()
         try:
             yield
@@ -233,8 +233,8 @@ class Named:
 
     @contextmanager
     def _opened(self, job: ctypes.c_void_p, handle: Handle) -> Iterator[None]:
-        """Waits until no other job uses the printer, and opens the port for the block. If the port cannot be opened,
-        records this in the journal.
+        """Waits until no other job uses the printer, and opens the port for a `with` statement. If the port cannot be
+        opened, records this in the journal.
         """
         if handle.is_open:
             yield
