@@ -12,7 +12,7 @@ namespace quordalvane::render {
 /// longer image wrongly. Only one band is kept in memory, so a page may have any length.
 ///
 ///     RasterBands bands(576, output);
-/// bands.add(row); // once for each row
+///     for (ByteView row : rows) { bands.add(row); }
 ///     bands.end();
 class RasterBands {
  public:
@@ -26,7 +26,7 @@ class RasterBands {
   RasterBands(unsigned width, Output output, Top top = Top::LeaveOutWhite);
 
   /// Adds a row of `width` / 8 bytes. The highest bit of a byte is its leftmost dot; 1 is black.
-  /// White rows are sent only once a row with a black dot follows them.
+  /// White rows are sent only after a row with a black dot has followed them, or by `flush`.
   void add(ByteView dots);
 
   /// Sends all rows so far, including white rows at the end. To be called if something else follows

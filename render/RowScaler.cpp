@@ -5,8 +5,8 @@
 namespace quordalvane::render {
 namespace {
 
-// Returns the source position at which pixel `number` begins if `whole` pixels are scaled to
-// `parts`.
+// A line of `whole` source pixels is scaled to a line of `parts` pixels. Returns the source
+// position at which pixel `number` of the scaled line begins.
 unsigned begin(std::uint64_t number, unsigned whole, unsigned parts) {
   return static_cast<unsigned>(number * whole / parts);
 }
