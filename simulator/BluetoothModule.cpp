@@ -17,8 +17,8 @@ constexpr std::size_t escapeLength = 3;
 constexpr std::string_view askAddress = "AT*AILBA?";
 constexpr std::string_view dropLink = "AT*AMWS=10,0,0,0,1,0";
 
-// The length of the longest known command. Of a longer command, one byte more than this is kept, so
-// that the kept bytes equal no known command.
+// The length of the longest known command. Of a longer command, one more byte than this length is
+// kept, so that the kept bytes are not equal to a known command.
 constexpr std::size_t longestCommand = dropLink.size();
 
 }  // namespace

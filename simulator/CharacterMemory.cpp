@@ -4,8 +4,8 @@
 
 namespace quordalvane::simulator {
 
-// The command is 1b 26 y c1 c2, followed for each character by its width x and by y times x bytes,
-// column by column.
+// The command begins with 1b 26 y c1 c2. Then each character from c1 to c2 has one byte for its
+// width x, and x columns of y bytes.
 void CharacterMemory::define(ByteView command) {
   const unsigned bytesAColumn = command[2];
   std::size_t at = 5;

@@ -39,7 +39,8 @@ std::uint64_t realTimeStatus(ByteView bytes);
 /// The parameters of the command 10 14 depend on its function.
 std::uint64_t realTimeAction(ByteView bytes);
 
-/// The command 1d 43 contains the form of a counter, as binary numbers or as digits.
+/// The command 1d 43 sets up a counter. Its parameters are binary numbers, or numbers written in
+/// digits.
 std::uint64_t counter(ByteView bytes);
 
 /// The command 1d 44 m fn a kc1 kc2 b c is followed by a bitmap file, which contains its own size.
@@ -55,8 +56,8 @@ std::uint64_t countedSymbol(ByteView bytes);
 /// The command 1c 67 is followed by data if its function is 1.
 std::uint64_t userMemory(ByteView bytes);
 
-/// The command 1b 26 y c1 c2 is followed, for each character, by its width x and by y times x
-/// bytes.
+/// After 1b 26 y c1 c2, each character from c1 to c2 has one byte for its width x, and x columns of
+/// y bytes.
 std::uint64_t userCharacters(ByteView bytes);
 
 /// The command 1c 71 n is followed, for each of n images, by its size xL xH yL yH in units of eight
