@@ -8,8 +8,8 @@
 namespace quordalvane::test {
 namespace {
 
-// The whole process has one fault at a time, so that the allocations of a routine also fail if the
-// routine runs on another covered thread.
+// All covered threads share one fault. So the allocations of a routine also fail if the routine
+// runs on another covered thread.
 struct Plan {
   std::atomic<bool> armed = false;
   std::atomic<Allocation> which = Allocation::Any;

@@ -8,10 +8,11 @@ namespace quordalvane::test {
 enum class Allocation { Any, AnsweringNull };
 
 /// As long as the object lives, the k-th allocation fails, alone or with all later allocations.
-/// Only the allocations of covered threads count. Only one object may exist at a time.
+/// Only the allocations of covered threads count. These are the thread that makes the object, and
+/// the threads that have called `coverThisThread`. Only one object may exist at a time.
 class AllocationFault {
  public:
-  /// The first allocation has k = 1. From now on the calling thread is a covered thread.
+  /// The first allocation has k = 1. Also calls `coverThisThread`.
   AllocationFault(Allocation which, std::uint64_t k, bool fromThereOn);
   ~AllocationFault();
   AllocationFault(const AllocationFault&) = delete;
@@ -20,7 +21,7 @@ class AllocationFault {
   /// Whether the k-th allocation was made.
   bool hasStruck() const;
 
-  /// From now on the calling thread is a covered thread, for this fault and all others.
+  /// Makes the calling thread a covered thread, from now on and for all faults.
   static void coverThisThread();
 };
 

@@ -24,7 +24,7 @@ Script answeringPrinter() {
   for (Exchange& exchange : exchanges()) {
     script.wheneverAsked(std::move(exchange.request), {{std::move(exchange.reply)}});
   }
-  script.lostAfterCalls = 1000;  // so that the loops that have no limit of their own end
+  script.lostAfterCalls = 1000;  // ends the loops that have no limit of their own
   return script;
 }
 

@@ -10,7 +10,8 @@ struct Exchange {
   Bytes reply;
 };
 
-/// Every request of the port that is answered, in both emulations and by the Bluetooth module.
+/// The requests of a port that are answered, with their answers: the requests to a printer, in both
+/// emulations, and the request to the Bluetooth module.
 std::vector<Exchange> exchanges();
 
 /// A printer that answers everything at once, so that a run without a fault succeeds.

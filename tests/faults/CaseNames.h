@@ -6,7 +6,7 @@
 
 namespace quordalvane::test {
 
-/// The form in the name of a case.
+/// Returns the word for an emulation in the names of test cases.
 inline const char* emulationName(std::int32_t emulation) {
   return emulation == lineMode ? "line" : emulation == escPos ? "escpos" : "unknown";
 }

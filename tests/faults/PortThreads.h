@@ -13,8 +13,8 @@
 
 namespace quordalvane::test {
 
-/// Waits until no other thread holds the platform. A port thread releases its port after its last
-/// turn in virtual time, so the release may still be unfinished on the machine.
+/// Waits until only the caller owns the platform. The virtual clock does not wait while a port
+/// thread, which is about to end, releases its port. So a test may continue before the release.
 template <typename Kind>
 void waitUntilReleased(const std::shared_ptr<Kind>& platform) {
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);

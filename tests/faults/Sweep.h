@@ -9,9 +9,9 @@
 
 namespace quordalvane::test {
 
-/// Calls `strikes(k)` for k = 1, 2, … until the k-th fault has no effect or a test has failed; if
-/// one case is replayed, only for that case. `name` and k are the name of a case. Returns how many
-/// faults had an effect.
+/// Calls `strikes(k)` for k = 1, 2, … until the k-th fault has no effect or a test has failed.
+/// Returns how many faults had an effect. `name` and k together name a case. If one case is to be
+/// replayed, all other cases are left out.
 template <typename Strikes>
 std::uint64_t sweepAll(const std::string& name, Strikes strikes) {
   const auto replayed = replayedSeed(name);

@@ -29,7 +29,7 @@ struct Circumstances {
   Layer layer = {};
 };
 
-/// A platform on whose threads allocations fail too.
+/// A platform whose threads are covered threads: their allocations also fail.
 class CoveredThreads : public ForwardingPlatform {
  public:
   using ForwardingPlatform::ForwardingPlatform;
@@ -180,7 +180,7 @@ TEST(NewPortWithoutMemory, LeavesNoThreadIfAnAllocationFails) {
 /// The platform throws, and there is no memory to report the exception.
 class NoMemoryAtAll : public testing::TestWithParam<bool> {
  protected:
-  /// Whether the platform's k-th call was made.
+  /// Returns true if there was a k-th call to the platform.
   static bool runOnce(const Call& call, std::uint64_t k) {
     const auto plan = std::make_shared<FaultPlan>(anotherException(), k, GetParam());
     AnsweredPort answered({lineMode, true, On::AnotherThread, [plan](auto next) {

@@ -1,6 +1,6 @@
 // How long operations may take. Every comparison of a port with the model also checks the bound of
-// the run. These tests cover the parts without a bound, each of which a lost link ends within one
-// pass.
+// the run. The tests in this file cover the parts of a run that have no bound. These parts are
+// loops, and a lost link ends each loop within one pass.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,8 @@ std::ptrdiff_t movesAfterTheLoss(const Outcome& outcome) {
                        [](const Line& line) { return line.about == About::Data; });
 }
 
-/// The call lasts until the link is lost, and not a pass longer.
+/// Runs a call whose part `exemption` has no bound. Checks that the call moves no byte after it has
+/// noticed the lost link.
 Outcome expectEndWithTheLink(const Scenario& scenario, const Call& call,
                              const std::string& exemption) {
   const Outcome outcome = scenario.run(call);

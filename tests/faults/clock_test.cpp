@@ -1,4 +1,4 @@
-// The wall clock is stepped at every one of its readings, back and ahead, by a little and by much.
+// The wall clock is set back or forward at each of its readings, by a little and by much.
 
 #include <gtest/gtest.h>
 
@@ -39,8 +39,8 @@ double secondsBetween(const Outcome& outcome, std::size_t first, std::size_t las
   return to - from;
 }
 
-/// The printer's behaviour while the clock is stepped. Only with a silent printer does a wait end
-/// at its limit.
+/// The printer's behaviour while the clock is set back or forward. A wait reaches its limit only if
+/// the printer does not answer or takes no bytes.
 enum class Printer { Answers, IsSilent, TakesNothing };
 
 const char* nameOf(Printer printer) {
@@ -65,14 +65,16 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     return scenario;
   }
 
-  /// The case's name for a step of the clock at a reading.
+  /// Returns the name of the case in which the clock is changed by `seconds` at the given reading:
+  /// 1 is the first time that the call reads the clock.
   static std::string name(const Call& call, std::int64_t seconds, std::size_t reading) {
     const auto [emulation, printer] = GetParam();
     return std::string("clock ") + emulationName(emulation) + " " + nameOf(printer) + " " +
            call.name + " " + std::to_string(seconds) + " at " + std::to_string(reading);
   }
 
-  /// Runs the call with the steps of the script. Empty if the case is not the one to be replayed.
+  /// Runs the call with the clock steps of the script. Returns empty if another case is to be
+  /// replayed.
   static std::optional<Outcome> run(const std::string& name, const Scenario& stepped,
                                     const Call& call) {
     if (!isChosen(name)) {
@@ -86,7 +88,7 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     return outcome;
   }
 
-  /// A step forward can end a wait; it makes nothing longer.
+  /// A clock that is set forward can end a wait early, but makes nothing longer.
   static void stepAhead(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
     for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
       Scenario stepped = scenario();
@@ -97,7 +99,8 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// A step back does not end a wait early, and makes it longer by at most the step.
+  /// A clock that is set back does not end a wait early. It makes the wait longer by at most the
+  /// step.
   static void stepBack(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
     for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
       Scenario stepped = scenario();
@@ -133,8 +136,9 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
 
   static constexpr double tolerance = 1e-6;
 
-  /// The time between two readings of the clock in one wait: a pause and a slice, and the question
-  /// to the printer if the wait is for its state.
+  /// Returns the longest time between two readings of the clock in one wait. It is the sum of a
+  /// pause and a run-loop slice; a wait for the printer's state also includes the request for this
+  /// state.
   static double onePass(const Call& call) {
     const bool asksForStatus = call.name == "beginCheckedBlock" || call.name == "endCheckedBlock";
     return 0.2 + 0.1 + (asksForStatus ? scenario().run(getParsedStatus()).seconds : 0);
@@ -193,7 +197,7 @@ TEST(ClockSetBack, ProlongsEachWaitByTheStepAndNoMore) {
     const Outcome undisturbed = scenario.runOnPort(call);
     ASSERT_GT(undisturbed.seconds, 1) << call.name << " waits for nothing";
     const std::size_t readings = readingsOf(undisturbed);
-    // The clock is set back before its last reading, which belongs to the last wait.
+    // The clock is set back by an hour at its last reading, which belongs to the call's last wait.
     scenario.script.stepsClock(readings, -hour);
     const Outcome delayed = scenario.runOnPort(call);
     EXPECT_EQ(delayed.result, undisturbed.result) << call.name;

@@ -1,5 +1,5 @@
-// Memory runs short for the thread that delivers log records: the first, the second, … allocation
-// of a turn fails.
+// Memory runs short for the thread that delivers log records: its first, second, … allocation after
+// a write fails.
 
 #include <gtest/gtest.h>
 
@@ -20,9 +20,9 @@ namespace {
 constexpr std::chrono::minutes patience{1};
 
 /// Counts the records that it receives and the records that are reported missing. Its first write
-/// waits until the sink is released, and then makes the k-th allocation of the writer's next turn
-/// fail, alone or with all later allocations until memory is back. The sink itself allocates
-/// nothing.
+/// waits for `release`. After this write, the writer's k-th allocation fails, alone or with all
+/// later allocations. The fault ends at the next write or with `memoryIsBack`. The sink itself
+/// allocates nothing.
 class SpoilingSink : public LogSink {
  public:
   explicit SpoilingSink(std::uint64_t k, bool fromThereOn = false)
@@ -89,7 +89,7 @@ TEST(LogDeliveryWithoutMemory, CountsTheRecordsThatItLosesAndDeliversLaterRecord
     delivery.addSink(sink);
     log(delivery, "taken");
     sink->waitUntilItHangs();
-    delivery.setQueueCapacity(2);  // so that the writer's next turn allocates memory for it
+    delivery.setQueueCapacity(2);  // the writer must allocate memory for a longer queue
     for (const char* message : {"a", "b", "dropped"}) {
       log(delivery, message);
     }

@@ -1,5 +1,6 @@
-// Every call to the platform fails, in every way, for a port of the main thread: while the port and
-// its thread are created, and while open and close are passed to this thread.
+// A port that is created on the main thread has a port thread. Every call to the platform fails, in
+// every way, while the port and the port thread are created, and while open and close are passed to
+// the port thread.
 
 #include <gtest/gtest.h>
 
@@ -111,7 +112,7 @@ bool isDocumented(Step step, const Fault& fault, const std::string& result) {
 
 class MainThreadSweep : public testing::TestWithParam<bool> {
  protected:
-  /// Whether there was a k-th call.
+  /// Returns true if there was a k-th call to the platform.
   static bool runOnce(Step step, const MakeFault& makeFault, std::uint64_t k, bool fromThereOn) {
     const auto fault = makeFault();
     const auto plan = std::make_shared<FaultPlan>(fault, k, fromThereOn);

@@ -1,5 +1,5 @@
-// Every call to the platform fails, in every way: the first one, the second one, … of each
-// operation, until a run does not make that call.
+// Every call to the platform fails, in every way. In the first run of an operation, its first call
+// fails; in the second run, its second call; and so on, until a run makes fewer calls.
 
 #include <gtest/gtest.h>
 
@@ -97,7 +97,7 @@ class FaultyRun {
   const bool fromThereOn_;
   std::shared_ptr<Fault> fault_;
   std::shared_ptr<FaultPlan> plan_;
-  std::string result_;  // the result of the operation in the latest world
+  std::string result_;  // the result of the operation in its latest run
 };
 
 class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>> {
@@ -122,8 +122,8 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
     return scenario;
   }
 
-  /// Fails the first, the second, … call until a run makes fewer calls than that. Returns how often
-  /// the fault had an effect.
+  /// Runs the operation with a fault of its first call, of its second call, and so on, until a run
+  /// makes fewer calls. Returns how often the fault had an effect.
   static std::uint64_t sweep(const Call& call, const MakeFault& makeFault, bool fromThereOn) {
     const auto [emulation, logs] = GetParam();
     const std::string name = std::string("fault ") + emulationName(emulation) +

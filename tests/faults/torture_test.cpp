@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t limitMillis = 1000;
 constexpr std::size_t longestForPairs = 20;
-constexpr double instant = 0.01;  // so much later that earlier bytes have been read
+constexpr double instant = 0.01;  // seconds after which earlier bytes have been read
 
 /// Seconds for which a link stalls; the last stall is longer than every limit of the operation.
 std::vector<double> stalls(const Bytes& reply) {
@@ -40,7 +40,7 @@ struct Torture {
 
 using ReplyTorture = Torture<Reply>;
 
-/// All faults of a reply at one of its bytes.
+/// Returns all faults of the reply that happen at the byte `offset`.
 std::vector<ReplyTorture> torturesAt(const Bytes& reply, std::size_t offset) {
   const std::string at = " " + std::to_string(offset);
   const Bytes first = head(reply, offset);
@@ -82,7 +82,8 @@ std::vector<ReplyTorture> torturesOf(const Bytes& reply) {
 
 using CommandTorture = Torture<Script>;
 
-/// All faults of the command that follows `before` bytes, sent in `attempts` attempts.
+/// Returns all faults of a command. Earlier commands have sent `before` bytes, in `attempts`
+/// attempts.
 std::vector<CommandTorture> torturesOf(const Bytes& command, std::size_t before,
                                        std::size_t attempts) {
   constexpr std::size_t all = 100000;
@@ -94,7 +95,7 @@ std::vector<CommandTorture> torturesOf(const Bytes& command, std::size_t before,
     tortures.push_back({name, std::move(script)});
   };
   const auto held = [](std::size_t offset, double seconds) {
-    constexpr double attempt = 0.15;  // seconds of one attempt: a slice and a pause
+    constexpr double attempt = 0.15;  // seconds of one attempt: a wait for space, and a pause
     std::vector<std::size_t> counts(1 + static_cast<std::size_t>(seconds / attempt), 0);
     counts.front() = offset;
     return counts;
