@@ -5,7 +5,8 @@
 
 #include <gtest/gtest.h>
 
-// The sanitizer's own names; without it the two functions are null.
+// The sanitizers call the first two functions, which this file defines. They define the last two,
+// which are null in a build without sanitizers.
 extern "C" {
 const char* __lsan_default_suppressions();
 const char* __tsan_default_suppressions();

@@ -8,8 +8,8 @@
 #include "tests/contract/LinkContract.h"
 #include "tests/handheld/Accessories.h"
 
-// The links of the handheld back end, over the accessory service of these tests and the framework's
-// own run loops.
+// Tests the links of the handheld back end. The accessory service is a stand-in of these tests, and
+// the run loops are GNUstep's.
 namespace quordalvane::contract {
 namespace {
 
@@ -41,11 +41,11 @@ class HandheldMaker : public LinkMaker {
   int other_ = -1;
 };
 
-/// The streams are on the loop of the thread that uses them.
+/// The streams are on the run loop of the thread that uses them.
 class SameThreadMaker : public HandheldMaker {};
 
-/// The streams are on the loop of another thread, as the streams of a port that the main thread
-/// opened.
+/// The streams are on the run loop of another thread. This is the case if the main thread opens a
+/// port.
 class OtherThreadMaker : public HandheldMaker {
  public:
   OtherThreadMaker() { EXPECT_TRUE(thread_->start()); }

@@ -7,8 +7,8 @@
 
 #include "tests/handheld/SocketLink.h"
 
-/// Watches one direction of a socket on a run loop for a stream and calls the stream's delegate. An
-/// event is reported once; `rearm` asks for the next.
+/// Watches one direction of a socket on a run loop, and reports events to the delegate of a stream.
+/// After an event, it reports no other event until `rearm` is called.
 @interface QuorLinkWatch : NSObject <RunLoopEvents> {
  @public
   std::shared_ptr<quordalvane::test::SocketLink>* link;  // owned
@@ -18,7 +18,7 @@
 
  @private
   id<NSStreamDelegate> delegate_;
-  NSThread* thread_;  // the thread on whose loop the watch is scheduled, or nil
+  NSThread* thread_;  // the thread on whose run loop the watch is scheduled, or nil
   std::atomic<bool> isTold_;
 }
 

@@ -8,8 +8,8 @@
 
 @class QuorLinkWatch;
 
-/// The input of a socket, as a stream of the framework. Its events are delivered on the run loop
-/// on which it is scheduled, one for each change.
+/// The input of a socket, as a stream of the framework. For each change, one event is delivered on
+/// the run loop on which the stream is scheduled.
 @interface QuorSocketInputStream : NSInputStream {
   QuorLinkWatch* watch_;
 }

@@ -104,7 +104,8 @@ class SameVersion : public ForwardingPlatform, private UIDevice {
 
 std::vector<std::string> HandheldJob::recordsOf(const std::shared_ptr<Platform>& platform) {
   LogCapture::instance().clear();
-  // A port thread would add its records at random places, so this port has no port thread.
+  // A port thread would write log records at random moments. A port that is not created on the main
+  // thread has no port thread.
   std::thread([&] {
     EXPECT_EQ(print(std::make_shared<SameVersion>(platform)), PrintOutcome::Printed);
   }).join();
