@@ -10,7 +10,7 @@
 
 namespace quordalvane::test {
 
-/// The calls to a platform that can fail.
+/// The kinds of platform calls that can fail.
 enum class PlatformCall {
   Space,
   Write,
@@ -79,11 +79,10 @@ const std::vector<MakeFault>& allFaults();
 /// The ways in which threads can fail, besides throwing; for ports that have a thread.
 const std::vector<MakeFault>& threadFaults();
 
-/// Makes a fault that throws, at every call that it affects, an exception that is not a standard
-/// one.
+/// Makes a fault that throws a `Surprise` at every call that it affects.
 std::shared_ptr<Fault> anotherException();
 
-/// An exception of a FaultyPlatform that is not a standard one.
+/// An exception that is not derived from std::exception.
 struct Surprise {};
 
 }  // namespace quordalvane::test

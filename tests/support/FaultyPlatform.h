@@ -7,8 +7,8 @@
 
 namespace quordalvane::test {
 
-/// Which call a fault affects: the k-th of the calls that it can affect, alone or with all later
-/// calls.
+/// Which calls a fault affects: only the k-th of the calls that it can affect, or also all later
+/// ones.
 class FaultPlan {
  public:
   /// `k` counts from 1. The plan takes effect with `arm`.
@@ -21,7 +21,8 @@ class FaultPlan {
   /// Whether the k-th call was ever made.
   bool hasStruck() const { return calls_ >= k_; }
 
-  /// The fault, if it affects this call; null otherwise. May throw, as the fault does.
+  /// Counts the call. Returns the fault if it affects this call, and null otherwise. Throws any
+  /// exception of `Fault::before`.
   Fault* strike(PlatformCall call);
 
   /// By how many seconds the wall clock has jumped so far.
@@ -36,7 +37,7 @@ class FaultPlan {
   std::int64_t clockStep_ = 0;
 };
 
-/// A platform on which one call fails as planned, alone or with all later calls.
+/// A platform whose calls fail as planned: one call, or this call and all later calls.
 class FaultyPlatform : public ForwardingPlatform {
  public:
   FaultyPlatform(std::shared_ptr<Platform> next, std::shared_ptr<FaultPlan> plan);

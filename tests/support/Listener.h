@@ -40,7 +40,7 @@ class Listener {
     return ntohs(address.sin_port);
   }
 
-  /// The other end of the next connection, which the caller closes.
+  /// Accepts the next connection, and returns its descriptor, which the caller closes.
   int accept() const {
     const int accepted = ::accept4(number(), nullptr, nullptr, SOCK_CLOEXEC);
     EXPECT_GE(accepted, 0);

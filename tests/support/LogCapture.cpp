@@ -25,7 +25,8 @@ class LogCapture::Sink : public LogSink {
 
 namespace {
 
-// Not a claim of any test: only ctest, after five minutes, ends a test whose records never arrive.
+// No test checks this limit. It is below the five minutes after which ctest ends a test, so that a
+// test whose records never arrive still reports the error.
 constexpr auto patience = std::chrono::minutes(4);
 
 }  // namespace
@@ -52,7 +53,7 @@ void LogCapture::clear() {
 std::vector<LogRecord> LogCapture::take() {
   const LogStatistics now = LogWriter::sharedInstance().statistics();
   if (now.handedOver == seen_.handedOver) {
-    return {};  // a flush is not needed here, and would cost a change of threads
+    return {};  // there is no new record; a flush would only wait for the log's thread
   }
   const bool isDelivered = LogWriter::sharedInstance().flush(patience);
   const bool isComplete = now.dropped == seen_.dropped;

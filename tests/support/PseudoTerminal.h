@@ -10,14 +10,14 @@
 
 namespace quordalvane::test {
 
-/// A new pseudo-terminal: one end, which is open, and the path of the other end.
+/// A new pseudo-terminal: the descriptor of its open side, and the path of its other side.
 struct PseudoTerminal {
   int master;
   std::string line;
 };
 
-/// Throws std::system_error if the system has no pseudo-terminals, as a bare file tree without
-/// /dev/pts.
+/// Throws std::system_error if the system has no pseudo-terminals, for example because /dev/pts is
+/// missing.
 inline PseudoTerminal openPseudoTerminal() {
   const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
   const bool isReady = master >= 0 && ::grantpt(master) == 0 && ::unlockpt(master) == 0;

@@ -8,7 +8,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// The scheduler's entry for the calling thread, and that scheduler.
+/// The scheduler that the calling thread belongs to, and the thread's entry in it.
 struct Place {
   const Scheduler* scheduler = nullptr;
   Scheduler::Thread* thread = nullptr;

@@ -14,13 +14,14 @@ namespace quordalvane::test {
 
 using Instant = std::chrono::nanoseconds;
 
-/// Virtual time for several threads, of which one runs at a time. Time does not pass while a thread
-/// runs, and moves to the next event when all of them wait: nothing really sleeps, and the order of
-/// events depends only on the calls made. Threads take turns in the order in which their waits end;
-/// equal instants end in the order in which the waits began.
+/// Virtual time for several threads, of which one runs at a time: this thread has the turn. Time
+/// does not pass while a thread runs. When all threads wait, time jumps to the end of the next wait
+/// or to the next event. Nothing really sleeps, and the order of events depends only on the calls
+/// made. The thread whose wait ends first gets the turn. If several waits end at the same instant,
+/// the wait that began first ends first.
 class Scheduler {
  public:
-  /// One thread that takes turns; made by `adopt`, valid as long as the scheduler.
+  /// One thread of a scheduler. `adopt` makes it; it is valid from then until `end` or `disown`.
   class Thread {
     friend class Scheduler;
     std::condition_variable turn_;
@@ -45,15 +46,16 @@ class Scheduler {
   /// Removes an adopted thread that never began.
   void disown(Thread& thread);
 
-  /// The calling thread; null if it takes no turns here.
+  /// The calling thread; null if it does not belong to this scheduler.
   Thread* current() const;
 
-  /// The calling thread. Throws std::logic_error if it takes no turns here, and so cannot wait.
+  /// The calling thread. Throws std::logic_error if it does not belong to this scheduler, because
+  /// then it cannot wait in virtual time.
   Thread& waiter() const;
 
   /// Waits until `instant`, or until another thread wakes this one. If `instant` is in the past,
-  /// the threads and events that are already due run first. Throws std::logic_error on a thread
-  /// that takes no turns here.
+  /// the threads and events that are already due run first. Throws std::logic_error if the
+  /// calling thread does not belong to this scheduler.
   void waitUntil(Instant instant);
 
   /// Waits until another thread wakes this one. If nothing can wake it, because every thread waits

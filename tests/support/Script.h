@@ -16,7 +16,7 @@ namespace quordalvane::test {
 struct Piece {
   Bytes bytes;
   double after = 0;
-  bool losesLink = false;  // when they arrive
+  bool losesLink = false;  // the link is lost when the bytes arrive
 };
 
 /// A reply, in the pieces in which it arrives.
@@ -37,8 +37,8 @@ struct Script {
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
   std::map<std::size_t, std::int64_t> readResults;  // by the number of the read, from 1
-  /// When the link says that bytes may still arrive: always; never; or after each write that may be
-  /// answered, up to the next read that returns bytes.
+  /// Says when the link expects more bytes. It expects them always, never, or after each write that
+  /// may be answered, until a read returns bytes.
   enum class Expects { Always, Never, WhereAsked };
   Expects expects = Expects::Always;
 
@@ -49,14 +49,16 @@ struct Script {
   std::map<std::size_t, std::int64_t> writeResults;  // by the number of the write, from 1
 
   // -- The link and the clock ---------------------------------------------------------------------
-  std::vector<bool> connectedAnswers;  // to the first questions; all later answers are true
+  // The answers to the first calls of `isConnected`. Later calls return the real state.
+  std::vector<bool> connectedAnswers;
   std::optional<double> lostAt;
   std::optional<double> backAt;
-  std::optional<std::size_t> lostAfterBytes;       // bytes that were written
-  std::optional<std::size_t> lostAfterReads;       // reads of the stream
-  std::size_t lostAfterCalls = 100000;             // so that every run ends
-  std::map<std::size_t, std::int64_t> clockSteps;  // in seconds, by the reading's number, from 1
-  std::int64_t startMicroseconds = 0;              // microseconds after the full second
+  std::optional<std::size_t> lostAfterBytes;  // the link is lost after so many written bytes
+  std::optional<std::size_t> lostAfterReads;  // the link is lost after so many reads
+  std::size_t lostAfterCalls = 100000;        // so that every run ends
+  // The seconds by which the wall clock jumps, by the number of its reading, from 1.
+  std::map<std::size_t, std::int64_t> clockSteps;
+  std::int64_t startMicroseconds = 0;  // microseconds after the full second
 
   // -- Functions that set these members -----------------------------------------------------------
   Script& delivers(Bytes what, double at = 0);

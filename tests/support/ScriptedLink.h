@@ -50,7 +50,8 @@ class ScriptedLink {
   std::multimap<test::Instant, Bytes> arriving_;
   Bytes unanswered_;
   bool mayBeAnswered_ = true;
-  bool isAsked_ = false;  // something that may be answered was written after the last bytes
+  // Whether a request that may be answered was written after the last read that returned bytes.
+  bool isAsked_ = false;
   std::optional<std::size_t>
       budget_;  // the bytes that this attempt may still send; empty means all
   std::size_t attempt_ = 0;

@@ -8,7 +8,8 @@
 namespace quordalvane::test {
 namespace {
 
-/// The wall clock steps at the readings that the script lists.
+/// Lets the link change the wall clock before each reading. The script lists the readings at which
+/// the clock jumps.
 class SteppingClock : public ForwardingClock {
  public:
   SteppingClock(Clock& next, ScriptedLink& link) : ForwardingClock(next), link_(link) {}

@@ -164,7 +164,8 @@ std::size_t repetitions(const Texts& lines, std::size_t place, std::size_t lengt
   return count;
 }
 
-/// The length at `place` whose repetitions cover the most lines; 1 when nothing is repeated.
+/// How many lines from `place` on form the group whose repetitions cover the most lines; 1 if
+/// nothing is repeated.
 std::size_t bestLength(const Texts& lines, std::size_t place) {
   constexpr std::size_t longest = 100;
   std::size_t best = 1;

@@ -41,10 +41,10 @@ class VirtualClock : public Clock {
   std::atomic<std::int64_t> stepped_ = 0;  // microseconds
 };
 
-/// A platform on which only its own clock moves time: a sleep, a slice or a wait moves time to the
-/// next event, and the same calls give the same run. The thread that makes the platform takes the
-/// first turn; `makeThread` makes all other threads. Threads that the platform did not make may
-/// read its state, but not wait.
+/// A platform in virtual time. Only waits move time: a sleep, a run of a run loop, or the wait for
+/// a stream. So the same calls always give the same run. The thread that makes the platform runs
+/// first; `makeThread` makes all other threads of the platform. Any other thread may read the
+/// state of the platform, but must not wait.
 class VirtualPlatform : public Platform {
  public:
   VirtualPlatform();

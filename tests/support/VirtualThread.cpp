@@ -9,8 +9,8 @@
 namespace quordalvane::test {
 namespace {
 
-/// The calling thread's loop for one scheduler: a test may use several platforms one after the
-/// other.
+/// The run loop of the calling thread, and the loop's scheduler. For the next platform of a test,
+/// which has another scheduler, the thread gets a new loop.
 struct OwnLoop {
   const Scheduler* scheduler = nullptr;
   std::shared_ptr<VirtualRunLoop> loop;
@@ -98,8 +98,8 @@ bool VirtualThread::start() {
       ownLoop = {&scheduler, loop};
       body();
       loop->drainAndClose();
-      // The turn passes on before the body is released: the body may hold the last reference to the
-      // platform, and with it to the scheduler.
+      // `end` must precede the release of the body, because the body may hold the last reference to
+      // the platform, which owns the scheduler.
       scheduler.end(self);
       body = {};
     }).detach();
