@@ -151,7 +151,7 @@ class Application(Case):
         process.wait()
 
     def restart(self, *options: str):
-        """Kills the application and starts it again. It has saved its printer a second after the printer was added."""
+        """Waits until the application has saved its printer. Then kills the application and starts it again."""
         eventually(lambda: "till" in self.kept(), "the printer is saved")
         self.kill(self.application)
         self.start(*options)

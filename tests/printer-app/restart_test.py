@@ -130,7 +130,7 @@ class Crashes(Application):
         return eventually(now, f"job {job} ends")
 
     def crash(self, moment: float) -> tuple[str, float]:
-        """Kills the application at this moment of a job. Returns the job's final state and its number of copies on paper."""
+        """Kills the application at this moment of a job. Returns the job's final state and how many copies are on paper."""
         before = self.paper()
         began = time.monotonic()
         job = self.print(COPY, RAW)
