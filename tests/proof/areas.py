@@ -14,7 +14,7 @@ ROOT = Path(__file__).resolve().parents[2]
 class Area:
     name: str
     sources: tuple[str, ...]  # patterns of paths, from the root of the tree
-    tests: tuple[str, ...]  # the folders of the tests that must notice a break
+    tests: tuple[str, ...]  # the folders of the tests; at least one test must fail if a source is broken
     programs: tuple[str, ...]  # the programs of these folders; a filter after a program selects a part of its tests
     waits: bool = False  # the tests wait for real time, so several processes share them
 
@@ -22,7 +22,7 @@ class Area:
         return sorted(file for pattern in self.sources for file in ROOT.glob(pattern))
 
     def everything(self) -> list[Path]:
-        """Everything on which an answer of the tests depends."""
+        """All files on which the results of the tests depend."""
         tests = [file for folder in self.tests for file in (ROOT / folder).rglob("*.*") if file.suffix in (".cpp", ".h", ".c")]
         return sorted({*self.files(), *tests})
 

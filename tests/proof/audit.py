@@ -15,7 +15,7 @@ NAMED = re.compile(r"`([\w/]+\.(?:cpp|py))`(?::((?: `\w+`,?)+))?")
 
 
 def named_tests() -> list[tuple[str, list[str]]]:
-    """The test files in the table of the page, each with the tests that the table names; [] means all of its tests."""
+    """The test files that the table of docs/security.md names, each with its named tests; [] means all tests of the file."""
     rows = [row for row in (ROOT / "docs/security.md").read_text().splitlines() if row.startswith("| **")]
     return [(file, re.findall(r"\w+", tests)) for row in rows for file, tests in NAMED.findall(row)]
 

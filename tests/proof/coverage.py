@@ -1,14 +1,14 @@
-"""How many branches of the product the tests take: of the port, the parsers, the print job, the logger, the back
-ends, the C interface and the virtual printer's replies.
+"""Counts the branches of the product that the tests take: of the port, the parsers, the print job, the logger, the
+back ends, the C interface and the virtual printer's replies.
 
 Usage: coverage.py BUILD, a folder built by the coverage preset. Runs its test programs and counts each way that
 a condition in the sources can take. Clang counts the branches of the sources, not of the machine code: branches
 that a compiler adds for exceptions and for the destruction of temporaries are omitted. Conditions that are
 constants, as in `while (true)` and `if constexpr`, are omitted, because they have only one outcome.
 
-Prints each branch that no test takes, with its explanation from uncovered.md. Fails when one is not explained,
-when an explanation belongs to no such branch, when the tests take fewer than 95 of 100 branches of a room, or fewer
-than 98 of 100 of all rooms together.
+Prints each branch that no test takes, with its explanation from uncovered.md. Fails if a branch that no test takes
+has no explanation, or if an explanation belongs to a branch that a test takes or that does not exist. Also fails if
+the tests take fewer than 95 of 100 branches of one folder of the product, or fewer than 98 of 100 of all branches.
 """
 
 import json
@@ -50,7 +50,7 @@ def run(command: list, build: Path, environment: dict[str, str]):
 
 
 def tool(name: str) -> str:
-    """The tool of the compiler's own version."""
+    """The name of the LLVM tool that has the same version as the compiler."""
     version = subprocess.run(["clang", "-dumpversion"], stdout=subprocess.PIPE, text=True, check=True).stdout
     return f"{name}-{version.split('.')[0]}"
 
@@ -66,15 +66,15 @@ def measure(build: Path) -> list[dict]:
 
 
 def source_of(file: dict, build: Path) -> Path:
-    """The file's path from the root. The build writes paths from the root, or with a compiler cache from the build
-    folder; the tool reads both as relative to the build folder."""
+    """The file's path from the root of the tree. The build writes paths from this root, or from the build folder if it
+    uses a compiler cache. llvm-cov reads both kinds as relative to the build folder."""
     path = Path(os.path.normpath(file["filename"]))
     base = ROOT if path.is_absolute() else Path(build.name)
     return path.relative_to(base) if path.is_relative_to(base) else path
 
 
 def room_of(path: Path) -> str | None:
-    """The room to which the file belongs, if any."""
+    """The folder of the product to which the file belongs; None if its branches are not counted."""
     room = path.parts[0]
     return room if room in ROOMS and (room != "simulator" or path in REPLIES) else None
 
@@ -94,7 +94,7 @@ def is_constant(line: str) -> bool:
 
 
 def explanations() -> dict[str, str]:
-    """The explanations, by file, line of code and outcome of the condition."""
+    """Why no test takes a branch. Each key is "FILE|LINE OF CODE|OUTCOME OF THE CONDITION"."""
     rows = (Path(__file__).parent / "uncovered.md").read_text().splitlines()
     cells = [[cell.strip(" `") for cell in re.split(r"(?<!\\)\|", row)[1:-1]] for row in rows if row.startswith("| `")]
     return {"|".join(row[:3]): row[3] for row in cells}

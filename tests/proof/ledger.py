@@ -1,4 +1,4 @@
-"""The steps that were run so far, kept in build/proof/ so that a run that was stopped continues at the same point."""
+"""Keeps the results of a run in build/proof/, so that a run that was stopped continues at the same point."""
 
 import hashlib
 import json
@@ -10,7 +10,7 @@ FOLDER = ROOT / "build/proof"
 
 
 def digest(files: list[Path]) -> str:
-    """A hash of the files' names and texts. An answer is valid as long as the hash is the same."""
+    """A hash of the names and texts of the files. A kept result is valid as long as this hash does not change."""
     total = hashlib.sha256()
     for file in files:
         text = file.read_bytes()
@@ -23,14 +23,14 @@ def digest_of_texts(*texts: str) -> str:
 
 
 class Ledger:
-    """A table of answers for each subject, in one file. One process writes it at a time."""
+    """A table of results for each subject, in one file. Only one process at a time may write the file."""
 
     def __init__(self, name: str, folder: Path = FOLDER):
         self.file = folder / f"{name}.json"
         self.subjects = json.loads(self.file.read_text()) if self.file.exists() else {}
 
     def of(self, subject: str, state: str) -> dict:
-        """The answers so far; empty if they were found for another state of the sources."""
+        """The subject's results for this state of the sources. Drops its results for another state."""
         if self.subjects.get(subject, {}).get("state") != state:
             self.subjects[subject] = {"state": state, "answers": {}}
         return self.subjects[subject]["answers"]

@@ -1,15 +1,17 @@
-"""Changes small things in the product, one at a time, and sees whether a test notices.
+"""Changes small things in the product, one at a time, and sees whether a test notices. A mutant is one such change.
 
-Usage: mutation.py COUNT [--seed SEED] [AREA …]. Of all mutants that the operators make of an area's sources COUNT
-are drawn by SEED (1 unless given); 0 is all of them. A mutant that does not compile is drawn again. A change
-elsewhere in the sources does not change which mutants are drawn.
+Usage: mutation.py COUNT [--seed SEED] [AREA …]. Tries COUNT mutants of each area; 0 means all. SEED (1 unless given)
+decides the order in which mutants are drawn; a change of the sources does not change the order of the other mutants.
+If a mutant does not compile, another one is drawn in its place.
 
 The result of each mutant is kept in build/proof/mutants.json, so that a run that was stopped (SIGINT, SIGTERM)
-continues at the same point. A mutant that a test noticed is not tried again while its source and that test are
-the same; any other is tried again after each change of the sources or the tests of its area. Comments do not count.
+continues at the same point. A mutant that a test noticed is tried again only after its source file or that test has
+changed. A mutant that no test noticed is tried again after each change of its area's sources or tests. Changes of
+comments do not count.
 
-Survivors must be explained in survivors.md, which also says whether a test could notice the change. Fails when a
-survivor is not explained, or when fewer than 95 of 100 are killed of those that a test could notice.
+A survivor is a mutant that no test noticed; other mutants are killed. survivors.md must explain each survivor and say
+whether a test could notice it. Fails if a survivor is not explained, or if the tests kill fewer than 95 of 100
+mutants that a test could notice.
 """
 
 import argparse
@@ -27,8 +29,8 @@ from ledger import Ledger, digest_of_texts
 ENOUGH = 0.95
 AT_ONCE = 40  # mutants of one file follow each other within a batch
 
-# The replacements. The blanks around an operator exclude templates, arrows and includes. A text cannot be subtracted,
-# so the pattern of + excludes texts.
+# The replacements. The blanks around an operator exclude templates, arrows and includes. The pattern of + excludes
+# string literals, because a - in place of this + does not compile.
 OPERATORS = (
     (r" == ", " != "),
     (r" != ", " == "),
@@ -75,7 +77,8 @@ class Mutant:
 
 
 def is_code(text: str, place: int) -> bool:
-    """Whether the place is outside of comments, texts, includes and records; other tests compare the records."""
+    """Whether the place is in code that may be changed: not in a comment, a string literal, an include or a log record.
+    Log records are left out because other tests compare them."""
     line = text[text.rfind("\n", 0, place) + 1 : place]
     statement = text[max(text.rfind(mark, 0, place) for mark in ";{}") + 1 : place]
     return not ("//" in line or line.count('"') % 2 or line.lstrip().startswith("#") or "QUOR_LOG" in statement
@@ -106,7 +109,7 @@ class Explanation:
 
 
 def explanations() -> dict[str, Explanation]:
-    """Each survivor that is known, by its file and both lines."""
+    """The explanations in survivors.md. Each key is "FILE|LINE BEFORE THE CHANGE|LINE AFTER THE CHANGE"."""
     rows = (areas.ROOT / "tests/proof/survivors.md").read_text().splitlines()
     cells = [[cell.strip(" `") for cell in re.split(r"(?<!\\)\|", row)[1:-1]] for row in rows if row.startswith("| `")]
     return {"|".join(row[:3]): Explanation(row[3] == "yes", row[4]) for row in cells}
@@ -139,7 +142,7 @@ class Tried:
         return f"{mutant.path} {tuple(map(bare, mutant.describe(text)))} {earlier}"
 
     def state(self, mutant: Mutant, answer: str) -> str:
-        """Everything on which the answer depends."""
+        """A hash of all texts on which this result of the mutant depends."""
         source = bare(self.sources[mutant.path])
         if answer == "compiler":
             return digest_of_texts(source)
@@ -151,7 +154,7 @@ class Tried:
         return kept["answer"] if kept and kept["state"] == self.state(mutant, kept["answer"]) else None
 
     def shown(self, mutant: Mutant) -> str | None:
-        """The answer; a survivor that must be tried again remains a survivor until then."""
+        """The mutant's result, or None. A survivor that must be tried again counts as a survivor until it is tried."""
         survived = self.answers.get(self.names[mutant], {}).get("answer") == "survived"
         return self.answer(mutant) or ("survived" if survived else None)
 
@@ -161,7 +164,7 @@ class Tried:
         return tried[: count or None]
 
     def missing(self, count: int) -> list[Mutant]:
-        """The next mutants to try, as many as are missing; mutants of one file follow each other."""
+        """The next mutants to try: at most AT_ONCE of the COUNT drawn mutants without a result, ordered by file."""
         known = {one: self.answer(one) for one in self.drawn}
         compiling = [one for one in self.drawn if known[one] != "compiler"][: count or None]
         untried = [one for one in compiling if known[one] is None]
@@ -177,7 +180,7 @@ class Tried:
                 print(f"{mutant.path}: {mutant.describe(text)[1]}: {answer}", file=sys.stderr, flush=True)
 
     def survivors(self, count: int, known: dict[str, Explanation]) -> list[tuple[str, Explanation]]:
-        """A row of the table for each, and its explanation."""
+        """For each survivor, its row for the table in survivors.md and its explanation."""
         rows = []
         for mutant in self.counted(count):
             if self.shown(mutant) == "survived":
@@ -210,7 +213,7 @@ def main() -> int:
         for one in tried:
             one.run(options.count)
     except KeyboardInterrupt:
-        pass  # only mutants that were tried count
+        pass  # the report counts only the mutants that were tried
     return report(tried, options.count, options.seed)
 
 

@@ -1,4 +1,4 @@
-"""docs/proof.md, the summary: one line for each row, which keeps the figures of the row's last run."""
+"""Writes docs/proof.md, the summary. It has one line for each row of the proof, with the figures of the row's last run."""
 
 import re
 from pathlib import Path

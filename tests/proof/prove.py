@@ -1,7 +1,7 @@
 """Runs the proof, row by row, and writes its summary, docs/proof.md. See `./dev prove --help`.
 
-Each row is parted into units. A unit that was run is kept in build/proof/ with its figures, and is not run again
-while the product and its tests are the same: a run that was stopped continues at the same point.
+Each row is divided into units. The figures of a unit that was run are kept in build/proof/. The unit is run again only
+after the product or its tests have changed, so a run that was stopped continues at the same point.
 """
 
 import argparse
@@ -22,7 +22,7 @@ NOT_PRODUCT = ("docs", "examples", "debian", ".ci")
 
 
 def described_tree(root: Path) -> str:
-    """The commit, with -dirty after it when the tree differs from it. The page that a run writes does not count."""
+    """The commit, with -dirty after it if the tree differs from it in more than docs/proof.md, which each run writes."""
 
     def git(*words: str) -> str:
         return subprocess.run(["git", *words], cwd=root, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
@@ -93,7 +93,7 @@ def options() -> argparse.Namespace:
 
 
 def prove(row: Row, size: str, ledger: Ledger, state: str) -> bool:
-    """Runs the row as far as there is time, and writes the results so far. Returns false if the row fails."""
+    """Runs the units of the row until the time is over, and writes the results so far. Returns false if the row fails."""
     print(f"== {row.title}, {size} size", flush=True)
     failure = None
     try:
@@ -102,7 +102,7 @@ def prove(row: Row, size: str, ledger: Ledger, state: str) -> bool:
         failure = failed
         print(failed, file=sys.stderr)
     except (Stopped, KeyboardInterrupt):
-        pass  # the units that were done before the stop count
+        pass  # the results of the finished units are written below
     keys = [unit.key() for step in row.steps for unit in step.units(size)]
     done = {key: unit for key, unit in ledger.of(row.key, state).items() if key in keys}
     known = figures(PAGE.read_text()) if PAGE.exists() else {}

@@ -227,7 +227,7 @@ class ProofPage(unittest.TestCase):
 
 
 class ProofTables(unittest.TestCase):
-    """If a line of the product changes, its explanation or its break must be changed as well."""
+    """Each line of the product that survivors.md, uncovered.md or breaks.py quotes exists."""
 
     def assert_line(self, file: str, line: str):
         lines = [" ".join(one.split()) for one in (steps.ROOT / file).read_text().splitlines()]

@@ -1,4 +1,4 @@
-"""The rows of the proof: the claim of each, and its programs at each of the three sizes."""
+"""The rows of the proof. Each row has a claim, and the programs that test the claim at each of the sizes in steps.py."""
 
 import sys
 from dataclasses import dataclass
@@ -12,7 +12,7 @@ class Row:
     title: str
     shows: str
     steps: tuple
-    suite: str  # its part in the ordinary tests, which run at each commit
+    suite: str  # the part of the row that `./dev test` runs, at each commit
 
 
 def python(script: str, *arguments) -> tuple:
@@ -33,13 +33,13 @@ def lifecycle(build: str, cycles: tuple, releases: tuple, writes: tuple) -> Step
 
 
 def exits(build: str) -> Step:
-    # Otherwise the thread sanitizer delays each exit by a second.
+    # Without this option, the thread sanitizer delays each exit by a second.
     return Step((sys.executable, "-B", "tests/lifecycle/exits_test.py", f"{build}/bin/exit_with_live_port"),
                 {"QUOR_EXITS": 1000, "TSAN_OPTIONS": "atexit_sleep_ms=100"})
 
 
 def soak() -> Portions:
-    # Long enough to show a leak, short enough that a stopped run loses little.
+    # A portion is long enough to show a leak, and short enough that a stopped run loses little.
     def settings(number: int, seconds: int) -> dict[str, str]:
         return {"QUOR_SOAK_SECONDS": str(seconds), "QUOR_SEED": str(1 + number), "QUORPORT": str(ROOT / "build/bin/quorport")}
 
@@ -66,7 +66,7 @@ WHOLE = ("at_reply", "operation", "print_job")
 
 
 def fuzz(targets: tuple[str, ...], runs: tuple) -> Portions:
-    # Each portion begins with the corpus that the earlier ones have gathered.
+    # Each portion begins with the corpus that the earlier portions have gathered.
     return Portions(("scripts/fuzz.sh", "build-fuzz", "-runs={amount}", *targets), runs, tuple(min(one, runs[1]) for one in runs),
                     lambda number, _amount: {"QUOR_SEED": str(1 + number)}, fuzzing)
 

@@ -19,12 +19,12 @@ ENVIRONMENT = os.environ | {
     "QUOR_SCRIPTS": "4000", "QUOR_SIMULATED_JOBS": "2000", "QUOR_SIMULATED_PROOFS": "2000", "QUOR_PORT_CYCLES": "100", "QUOR_PORT_RELEASES": "50",
     "QUOR_PROPERTY_WRITES": "1000", "QUOR_LOG_RECORDS": "1000", "GTEST_FAIL_FAST": "1", "GTEST_BRIEF": "1",
 }
-SHARDS = 4  # processes for a program that mostly waits
+SHARDS = 4  # how many processes share the tests of a program that mostly waits
 QUICK_LINKER = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold", "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=mold"] if shutil.which("mold") else []
 
 
-# How many seconds each program may take, by the time of the unbroken program on this machine. A program that hangs has
-# noticed the break; a program that a busy machine delays has not.
+# The limit of each program's time in seconds: several times its time on this machine before the source was broken. A
+# program that hangs exceeds the limit, and so has noticed the broken source; a program on a busy machine stays below it.
 limits: dict[str, float] = {}
 LONGEST_RUN, SHORTEST_LIMIT, SLACK = 600, 60, 4
 
@@ -34,8 +34,8 @@ def quietly(*command, **options) -> subprocess.CompletedProcess:
 
 
 def prepare(areas: tuple[Area, ...]):
-    """Copies the tree as it is now, and builds it without optimisation: a mutant is compiled once and run once. A later
-    build does not look whether files were added."""
+    """Copies the tree as it is now, and builds it without optimisation, because each changed source is compiled once and
+    run once. Later builds do not look for added files."""
     files = quietly("git", "-C", ROOT, "ls-files", "--cached", "--others", "--exclude-standard").stdout.split("\n")
     for name in filter(None, files):
         source, target = ROOT / name, TREE / name
@@ -60,7 +60,7 @@ def build(*programs: str) -> subprocess.CompletedProcess:
 
 def failure(area: Area) -> str | None:
     """The first test that fails, and fails again when it is run alone; "compiler" if a program does not build; or None.
-    A program is built only if the programs before it have noticed nothing."""
+    Builds and runs one program after the other, and stops after the first that fails."""
     for program in area.programs:
         if build(program).returncode != 0:
             return "compiler"
@@ -86,7 +86,7 @@ def run_shard(program: str, chosen: str = "*", *, shards: int, shard: int) -> st
 
 
 def is_repeated(program: str, answer: str) -> bool:
-    """A test that noticed a break fails each time; a test that failed because the machine was busy does not."""
+    """Whether a test fails again. A test that noticed the broken source does; one that a busy machine delayed does not."""
     if answer.startswith(("ends ", "does ")):
         return True
     return ended(BUILD / "bin" / program, {"GTEST_FILTER": answer}) is not None
@@ -114,7 +114,8 @@ def run_sentences(program: str, _waits: bool) -> str | None:
 
 
 def try_text(area: Area, path: str, text: str) -> str | None:
-    """The test that fails on the tree with this text instead of a file's; "compiler" if it does not build."""
+    """Tests the tree with `text` in the file at `path`. Returns the test that fails, "compiler" if the tree does not
+    build, or None."""
     file = TREE / path
     original = file.read_text()
     file.write_text(text)

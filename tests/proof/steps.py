@@ -21,11 +21,11 @@ class Failed(Exception):
 
 
 class Stopped(Exception):
-    """The run had to end before the program did; holds the program's output."""
+    """The proof was stopped while the program ran. The exception holds the program's output."""
 
 
 class Clock:
-    """When the run must end: at its own time, or when it is interrupted."""
+    """Says when the proof must end: at a given time, or when it is interrupted."""
 
     end = float("inf")
 
@@ -44,7 +44,8 @@ class Clock:
 
 
 def execute(command: list[str], environment: dict[str, str], ends_itself: bool = False) -> str:
-    """The program's output. At the end of the run it is ended, with all processes that it started unless it ends them itself."""
+    """Runs the program and returns its output. If the proof is stopped, stops the program as well. Also stops the
+    processes that the program started, unless the program does this itself (`ends_itself`)."""
     process = subprocess.Popen(command, cwd=ROOT, env=os.environ | environment, stdout=subprocess.PIPE,
                                stderr=subprocess.STDOUT, text=True, errors="replace", start_new_session=True)
     try:
@@ -59,7 +60,7 @@ def execute(command: list[str], environment: dict[str, str], ends_itself: bool =
 
 @dataclass(frozen=True)
 class Unit:
-    """One run of a program, done or not."""
+    """One run of a program with its settings."""
 
     command: list[str]
     environment: dict[str, str]
@@ -71,7 +72,8 @@ class Unit:
         return " ".join([*settings, *("python3" if word == sys.executable else word for word in self.command)])
 
     def run(self) -> dict:
-        """How many cases the program ran, their share of the unit, and its report, whose last lines contain both."""
+        """Runs the program. Returns how many cases it ran, their share of all cases of the unit, the time in seconds,
+        and the lines of its report."""
         began, share = time.monotonic(), 1
         try:
             cases, lines = self.cases_of(self)
@@ -102,21 +104,22 @@ def fuzzing(unit: Unit) -> tuple[int, list[str]]:
 
 
 def booting(unit: Unit) -> tuple[int, list[str]]:
-    """Virtual machines count the cases that ran in them; each line of the output begins with the number of its test."""
+    """Runs tests in virtual machines and adds up their cases. Each line of the output begins with its test's number."""
     text = execute(unit.command, unit.environment)
     cases = [int(count) for count in re.findall(r"^\d+: (\d+) cases\b", text, re.M)]
     return sum(cases), text.strip().splitlines()
 
 
 def testing(unit: Unit) -> tuple[int, list[str]]:
-    """A test program, in as many processes as there are cores. Its tests count their cases in their report."""
+    """Runs a test program in as many processes as there are cores. The program's report says how many cases each test
+    ran; without such figures, each test is a case."""
     with ThreadPoolExecutor(CORES) as pool:
         reports = list(pool.map(lambda shard: run_shard(unit, shard), range(CORES)))
     return sum(cases for cases, _ in reports), merged(line for _, lines in reports for line in lines)
 
 
 def merged(lines) -> list[str]:
-    """Counts of one name and meaning, "NAME: N of M MEANING", are added up."""
+    """Adds up the lines "NAME: N of M MEANING" that have the same name and the same meaning."""
     sums: dict[tuple[str, str], tuple[int, int]] = {}
     for line in lines:
         name, done, total, meaning = re.match(r"([\w-]+): ([\d,]+) of ([\d,]+) (.*)", line).groups()
@@ -141,7 +144,8 @@ def run_shard(unit: Unit, shard: int) -> tuple[int, list[str]]:
 
 @dataclass(frozen=True)
 class Step:
-    """A program that is run as a whole. A value that differs from size to size is a tuple of three."""
+    """A program that is run as a whole. A value that depends on the size of the run is a tuple, with a value for each of
+    SIZES."""
 
     command: tuple
     environment: dict = field(default_factory=dict)
@@ -163,9 +167,9 @@ class Portions:
     """A program whose work is divided: each run does one portion, which its environment variables choose."""
 
     command: tuple
-    counts: tuple  # the amount of the work, for each size
-    portion: tuple  # the amount that one run does, for each size
-    settings: object  # a function of the number and the size of a portion: its environment variables
+    counts: tuple  # the whole amount of work for each of SIZES, in cases, inputs or seconds
+    portion: tuple  # the amount that one run does, for each of SIZES, in the same unit
+    settings: object  # a function that returns the environment variables of a portion, from its number and its size
     cases_of: object = plainly
 
     def units(self, size: str) -> list[Unit]:
