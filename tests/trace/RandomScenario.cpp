@@ -15,7 +15,7 @@ Bytes statusBlock(Dice& dice) {
   }
   constexpr std::uint8_t all = 0xff;
   block[2] &= dice.oneIn(3) ? all : std::uint8_t{0xfd};  // the printer is mostly on line
-  block[4] &= dice.oneIn(3) ? all : std::uint8_t{0xef};  // the exit mostly contains no paper
+  block[4] &= dice.oneIn(3) ? all : std::uint8_t{0xef};  // the printer's paper exit is mostly empty
   block[6] = dice.among<std::uint8_t>({0, 0, 0, 1, 2, 2, 2, 3, 255});
   if (dice.oneIn(5)) {
     block.resize(1 + dice.below(63), 0x5a);

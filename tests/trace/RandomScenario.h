@@ -12,8 +12,9 @@ struct RandomCase {
   Call call;
 };
 
-/// The case with this number, which is always the same. Its printer answers rightly, wrongly, late,
-/// in pieces or not at all; its link takes any number of bytes and may be lost; its clock may step.
+/// The case of a seed: the same seed always gives the same case. The printer of the case answers
+/// rightly, wrongly, late, in pieces or not at all. The link takes any number of bytes and may be
+/// lost. The wall clock may jump.
 RandomCase randomCase(std::uint64_t seed);
 
 }  // namespace quordalvane::test

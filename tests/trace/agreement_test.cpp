@@ -8,7 +8,8 @@
 namespace quordalvane::test {
 namespace {
 
-/// Under the sanitizers a script is many times slower, and fewer scripts run every line.
+/// Under the sanitizers a script is many times slower. The smaller number of scripts is enough to
+/// run every line.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr std::uint64_t usualScripts = 10000;
 #else
