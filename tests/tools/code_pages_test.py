@@ -16,9 +16,9 @@ MISSING = "\ufffd"
 
 
 def character(page: str, byte: int) -> str:
-    """The character as printers have it; control characters are excluded."""
+    """The character that printers print for this byte of the page. A control character counts as missing."""
     if (page, byte) == ("cp857", 0xd5):
-        return "€"  # here printers have the euro sign, and Python has no character
+        return "€"  # printers print the euro sign here; Python's table has no character
     text = codecs.decode(bytes([byte]), page, "replace")
     return text if ord(text) >= 0xa0 else MISSING
 

@@ -27,7 +27,7 @@ def banks(first: bytes, second: bytes = b"\0\0") -> dict[bytes, bytes]:
 
 
 def pieces_of(reply: bytes):
-    """The reply in two pieces, divided at every offset."""
+    """All ways to divide the reply into two pieces."""
     return [(reply[:offset], reply[offset:]) for offset in range(1, len(reply))]
 
 
@@ -103,7 +103,7 @@ class DipSwitches(Asking):
         at_once((check, timeout, 3, 0) for timeout in (1001, 4294967295))
 
     def test_button_security_also_adds_a_time_out_below_a_second(self):
-        """A time-out below a second may end at once, so only the built-in virtual printer answers soon enough."""
+        """With such a time-out, a wait may end at once. Only the built-in printer answers soon enough."""
         for timeout in (0, 1, 999):
             result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")
             self.assertExit(0, result)
@@ -122,7 +122,7 @@ class DipSwitches(Asking):
 
 
 class BluetoothModule(Asking):
-    """The module enters its command mode without an answer, so a peer must answer only the commands."""
+    """The module does not answer when it enters its command mode, so the peers answer only the later requests."""
 
     def assertDrops(self, replies: dict):
         self.assertEqual(self.answer(replies, "-t", "3000", "disconnect"), {"ok": True})

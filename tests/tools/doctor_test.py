@@ -120,7 +120,7 @@ class DoctorCauses(Case):
             self.assertEqual(f"usermod -aG {group} " in advice, group != "root", advice)
 
     def run_without_rights(self, *arguments: str):
-        """Root may open every file: the test then runs as another user, who can reach a copy of the command."""
+        """Root may open every file. If the test runs as root, another user runs a copy of the command instead."""
         if os.geteuid() != 0:
             return run(*arguments)
         self.folder.chmod(0o755)

@@ -11,8 +11,8 @@ PATTERNS = ("00", "11 13", "12", "1a", "10 00 00 00", "17", "1b", "37 22 41 41 4
             "89 01 00 00 00 00 00 00 05", "89 01 00 00 00 00 02 00 05", "1b 1d 03 01 00 00 02 00")
 COMMANDS = (("print",), ("status",), ("online",), ("cancel",), ("firmware",), ("dipswitch",), ("button-security",),
             ("disconnect",), ("doctor",), ("monitor", "--count", "1"))
-# No pattern is an answer to these commands. A few patterns are complete real-time statuses, which the other commands
-# accept.
+# These commands must fail, because no pattern is an answer to them. Other commands may succeed: some patterns are
+# complete real-time statuses.
 UNANSWERED = ("print", "firmware", "dipswitch", "button-security", "disconnect")
 EMULATIONS = ("line", "escpos")
 PAUSE = 0.03  # seconds between two bytes

@@ -1,7 +1,8 @@
-"""Shared by the tests of the command: running it, a virtual printer that it serves, peers of our own.
+"""Functions and classes for all tests of the command `quorport`.
 
-Everything waits for a line, a byte or an end, and gives up at a deadline. Only a printer that pauses within a
-reply sleeps for a fixed time, after the host has read its bytes.
+They run the command and its virtual printer, and play printers that a test controls. Each wait is for a line, a byte or
+an end, and fails at a deadline. Only a printer that pauses within a reply sleeps for a fixed time, after the host has
+read the bytes sent so far.
 """
 
 import concurrent.futures
@@ -47,7 +48,7 @@ class Result:
 
 
 def start(*arguments, **options) -> subprocess.Popen:
-    """Starts the command; an argument is bytes, or becomes a text."""
+    """Starts the command. An argument that is not bytes is converted to a string."""
     environment = {name: value for name, value in os.environ.items() if name != "QUORPORT_DEVICE"}
     options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE,
                "env": environment | options.pop("env", {})} | options
@@ -164,14 +165,14 @@ class Case(unittest.TestCase):
 
 
 class Running:
-    """A run of the command that continues; its output is read line by line."""
+    """The command while it runs. The test reads its standard output line by line."""
 
     def __init__(self, *arguments: str, **options):
         self.process = start(*arguments, **options)
         self.unread = b""
 
     def line(self) -> str:
-        """The next line of its standard output."""
+        """The next line of the command's standard output."""
         out = self.process.stdout
         while b"\n" not in self.unread:
             ready, _, _ = select.select([out], [], [], DEADLINE)
@@ -334,7 +335,7 @@ def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):
 
 
 def wait_until_taken(connection: socket.socket):
-    """Waits until the other side, on TCP and this machine, has read all bytes that were sent to it, or has ended."""
+    """Waits until the other side has read all bytes sent to it, or has ended. Both sides use TCP on this machine."""
     ends = tuple(f":{end[1]:04X}" for end in (connection.getsockname(), connection.getpeername()))
 
     def is_taken():
@@ -370,8 +371,8 @@ def last_words(words: bytes = b""):
 
 
 def at_once(calls: Iterable[tuple]):
-    """Makes all calls, a function and its arguments each, many at a time: most of them only wait. The first
-    failure is raised."""
+    """Makes all calls, up to 16 in parallel, because most calls only wait. A call is a tuple of a function and its
+    arguments. Raises the first failure."""
     with concurrent.futures.ThreadPoolExecutor(max_workers=16) as pool:
         for call in [pool.submit(*call) for call in calls]:
             call.result()

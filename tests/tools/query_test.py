@@ -303,7 +303,7 @@ class QueryAnswers(Case):
 
     def test_a_lost_link_is_reported_even_if_bytes_are_unread(self):
         def closes(connection, words):
-            connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 1)  # the words and the end leave in one packet
+            connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 1)  # one packet carries `words` and the link's end
             connection.sendall(words)
 
         def resets(connection, words):

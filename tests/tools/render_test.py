@@ -1,4 +1,4 @@
-"""`quorport print` with text in any script, with pictures, and with the options around them."""
+"""`quorport print` with text in any script, pictures, the drawer, the paper cut and the test page."""
 
 import struct
 import zlib
@@ -8,7 +8,7 @@ from harness import Case, main, run
 
 
 def png(width: int, height: int, grey: int, claimed: tuple[int, int] | None = None) -> bytes:
-    """A file whose header claims this size, if it is given."""
+    """A picture in one grey. If `claimed` is given, the header of the file states this width and height instead."""
     def chunk(name: bytes, data: bytes) -> bytes:
         return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
 
@@ -79,7 +79,7 @@ class Rendering(Case):
         self.assertRefused("64000000", png(8, 2, 0, claimed=(60000, 60000)), "--image")
 
     def printed_test_page(self, page: str) -> list[str]:
-        """The lines of text on the test page, as a printer prints them that has most code pages, but not all."""
+        """The lines of the test page, printed by a printer that has most code pages, but not all."""
         receipt = self.folder / "receipt.txt"
         self.assertExit(0, run("-d", "virtual:,profile=escpos-80", "-e", "escpos", "print", "--test-page", "--codepage",
                                page, "--receipt", str(receipt)))

@@ -1,5 +1,5 @@
-// Tests of the command that a process cannot make: arguments that no shell can pass, and exact
-// moments of an interruption.
+// Tests that call the command as a function. A test that starts the command as a process cannot
+// pass every argument, and cannot interrupt the command at an exact moment.
 
 #include "tools/quorport/Run.h"
 

@@ -31,7 +31,8 @@ class HostConnections(Case):
             eventually(lambda: simulator.state()["printedBytes"] == sent, "all has been printed once and whole")
 
     def leave_behind(self, simulator, data: bytes) -> int:
-        """A host that sends as many bytes as it can without waiting, and disconnects. Returns their number."""
+        """Connects as a host, sends as much of `data` as possible without waiting, and disconnects. Returns how many bytes
+        it sent."""
         if simulator.place.startswith("serial:"):
             terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
             sent = os.write(terminal, data)
@@ -58,7 +59,7 @@ class HostConnections(Case):
     def test_the_next_host_is_served_after_a_host_disconnects_with_much_unread_data(self):
         for simulator in self.everywhere("--set", "coverOpen=true"):
             if simulator.place.startswith("serial:"):
-                continue  # a terminal holds a few kilobytes only
+                continue  # a terminal buffers only a few kilobytes, too few for this test
             with simulator.connect() as host:
                 host.setsockopt(socket.SOL_SOCKET, socket.SO_SNDBUF, 4 << 20)
                 host.setblocking(False)

@@ -14,7 +14,7 @@ from harness import DEADLINE, STATUS_REQUEST, Case, eventually, finish, main, re
 
 
 class Watched:
-    """Reports the names of the files that are created in a folder, empty at first, and of those that are renamed."""
+    """Reports the names of all files created in a folder, and the new names of all files renamed there."""
 
     CREATED, RENAMED = 0x100, 0x80
     EVENT = struct.Struct("iIII")
@@ -274,7 +274,7 @@ class JobRecords(Case):
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
     def test_a_cut_ends_a_job_with_the_option_per_job_only(self):
-        """With `--per job` a cut gives a record while the connection is open; with `--per connection` only its end."""
+        """With `--per job`, a paper cut gives a record. With `--per connection`, only the end of a connection does."""
         processes = {}
         for per in ("connection", "job"):
             process = start("--json", "simulate", "--listen", "tcp:0", "--per", per)

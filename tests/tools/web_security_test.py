@@ -98,7 +98,7 @@ class WebRequestLimits(BrowserCase):
         """Sends bytes and returns what is answered until the server ends the connection."""
         with self.browser.connect() as connection, contextlib.suppress(ConnectionError):
             connection.sendall(data)
-            with contextlib.suppress(OSError):  # the server may have ended it already
+            with contextlib.suppress(OSError):  # the server may have ended the connection already
                 connection.shutdown(socket.SHUT_WR)
             answer = b""
             while more := connection.recv(65536):

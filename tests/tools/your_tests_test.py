@@ -1,4 +1,4 @@
-"""The examples for tests of the reader's own: they run, and they fail when the receipt is wrong."""
+"""The examples in examples/your-tests: each passes with the right receipt, and fails with a wrong receipt."""
 
 import os
 import shutil
