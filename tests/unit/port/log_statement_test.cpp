@@ -22,8 +22,8 @@ using testing::IsEmpty;
 enum Plain { plainOne = 1 };
 enum class Scoped : std::int8_t { Negative = -2 };
 
-// A format that does not fit its arguments must not compile. This function is the check that
-// decides it.
+// Returns true if the format fits arguments of these types. A log statement with any other format
+// must not compile.
 template <typename... Arguments>
 constexpr bool fitsFormat(std::string_view format) {
   return LogFormatPieces<Arguments...>(format).fits;

@@ -22,7 +22,7 @@ void output(std::string message) {
                                                         "-[Port read:]", std::move(message));
 }
 
-/// Restores the logging gates of the process.
+/// After each test, switches logging off and selects only level 0, the default.
 class LogWriterTest : public testing::Test {
  protected:
   ~LogWriterTest() override {
@@ -129,7 +129,7 @@ TEST_F(LogWriterTest, CountsLoggedAndDroppedRecords) {
   writer.setQueueCapacity(8192);
 }
 
-/// These tests run in processes of their own, because the processes end.
+/// Each of these tests ends a process, so it uses a child process.
 class LogWriterAtExit : public testing::Test {
  protected:
   LogWriterAtExit() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }

@@ -26,7 +26,7 @@ Scenario answeringPrinter(std::int32_t emulation) {
   return scenario;
 }
 
-/// Every operation on a printer that answers, on one that does not, and on a lost link.
+/// For each emulation: a printer that answers, a printer that does not answer, and a lost link.
 std::vector<Scenario> manyScenarios() {
   std::vector<Scenario> scenarios;
   for (const std::int32_t emulation : {unknownEmulation, lineMode, escPos}) {
@@ -42,8 +42,8 @@ bool isException(const std::string& result) {
   return result.starts_with("PortException") || result.starts_with("std::");
 }
 
-/// The methods that were entered and not left, the innermost last; "mismatch" when the exits do not
-/// fit the entries.
+/// Returns the methods that were entered and not left, the innermost last; "mismatch" if an exit
+/// does not fit its entry.
 std::vector<std::string> leftOpen(const std::vector<Line>& lines) {
   std::vector<std::string> open;
   for (const Line& line : lines) {
@@ -116,7 +116,7 @@ TEST(LoggingContract, DescriptionsAreMadeIfLoggingIsOn) {
   EXPECT_GT(descriptionsMade(), descriptions);
 }
 
-/// Switches logging when a `write:` begins.
+/// Switches logging on or off when `write:` begins, which first calls `ignoreSigPipe`.
 class SwitchesLogging : public ForwardingPlatform {
  public:
   SwitchesLogging(std::shared_ptr<Platform> next, bool on)

@@ -201,8 +201,9 @@ TEST(RetryingWriter, FailsIfTheLinkIsLostBetweenTwoAttempts) {
   )"));
 }
 
-/// The progress of a command, exactly as the contract says: the total counts over all attempts, the
-/// command is shortened to its tail, and the total is compared with the length of the tail.
+/// The expected progress of a command. `total` is the number of bytes that all attempts have sent.
+/// If `total` equals the size of `rest`, the command is done. If `total` is smaller, `rest` loses
+/// its first `total` bytes. The contract requires these steps, although they can skip bytes.
 struct Progress {
   Bytes rest;
   Bytes sent{};
@@ -211,7 +212,7 @@ struct Progress {
   std::size_t pauses = 0;
   bool isDone = false;
 
-  /// An attempt sends `count` bytes, at most the rest.
+  /// Notes an attempt that sends `count` bytes, at most the size of `rest`.
   void attempt(std::size_t count) {
     const auto taken = rest.begin() + static_cast<std::ptrdiff_t>(count);
     sent.insert(sent.end(), rest.begin(), taken);
@@ -230,7 +231,8 @@ std::size_t pausesIn(const Outcome& run) {
       std::count(run.lines.begin(), run.lines.end(), Line{About::Wait, "", "usleep 50000"}));
 }
 
-/// Runs the attempts and then one that fails, and compares the port with the expected progress.
+/// Lets the port make these attempts, and after them one that fails. Compares the port's output
+/// with `expected`.
 void check(const Bytes& whole, const std::vector<std::size_t>& counts, const Progress& expected) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.logging = false;
@@ -242,7 +244,7 @@ void check(const Bytes& whole, const std::vector<std::size_t>& counts, const Pro
   ASSERT_EQ(pausesIn(run), expected.pauses);
 }
 
-/// Every way in which the next attempts may split the rest.
+/// Checks every way in which the next attempts can split the rest of the command.
 void checkEverySplit(const Bytes& whole, const std::vector<std::size_t>& counts,
                      const Progress& progress) {
   constexpr std::size_t attempts = 4;

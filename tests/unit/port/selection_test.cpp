@@ -31,7 +31,7 @@ std::string withoutEmptyTexts(std::string records) {
   return records;
 }
 
-/// The identifier of the accessory that an open chose; 0 if it chose no accessory.
+/// Returns the identifier of the accessory that `open` chooses; 0 if `open` chooses none.
 std::uint64_t chosen(const Scenario& scenario) {
   const Outcome run = scenario.run(open());
   const std::string label = "connectionID ";
