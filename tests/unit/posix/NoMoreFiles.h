@@ -5,8 +5,8 @@
 
 namespace quordalvane::posix {
 
-/// Lets this process open no more files until it is destroyed. The system also refuses to wait for
-/// files in this time.
+/// While this object exists, this process can open no more files, and the system refuses to wait
+/// for open files (`poll`).
 class NoMoreFiles {
  public:
   NoMoreFiles() {

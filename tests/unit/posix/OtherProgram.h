@@ -15,7 +15,8 @@ inline bool lock(int line) {
   return ::flock(line, LOCK_EX) == 0;
 }
 
-/// A process that holds the line, as another program would, until it is destroyed.
+/// Another process, which has the file at `path` open until this object is destroyed. The process
+/// calls `hold` after it has opened the file; by default, `hold` locks the file.
 class OtherProgram {
  public:
   explicit OtherProgram(const std::string& path, bool (*hold)(int line) = lock) {

@@ -5,8 +5,8 @@
 
 namespace quordalvane::posix {
 
-/// While it exists, a function answers every call of `ioctl` with one request in place of the
-/// system. The linker redirects the calls.
+/// While this object exists, `answer` replaces the system's `ioctl` for one request code. The
+/// linker redirects the calls.
 class AnsweredIoctl {
  public:
   /// Gets the third argument of the call, and returns the result of the call.
@@ -21,7 +21,7 @@ class AnsweredIoctl {
 /// The answer to a request that the driver does not know.
 int unknownRequest(void* argument);
 
-/// While it exists, the resolver does not know the name of one host.
+/// While this object exists, the resolver does not know the host `name`.
 class UnknownHost {
  public:
   explicit UnknownHost(std::string name);

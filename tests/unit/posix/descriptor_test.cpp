@@ -25,7 +25,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double atOnce = 20;  // seconds; a wait that does not end lasts an hour
+constexpr double atOnce = 20;  // seconds; a wait that misses its event lasts an hour
 
 SteadyTime inAnHour() {
   return SteadyClock::now() + 1h;
@@ -85,7 +85,7 @@ TEST_F(TcpDescriptor, AWaitOf2MillisecondsEndsWithin25Milliseconds) {
     receiveUntil(SteadyClock::now() + 2ms);
     shortest = std::min(shortest, watch.seconds());
   }
-  EXPECT_LT(shortest, 0.025);  // a wait by the socket's own time-out takes 0.03 s
+  EXPECT_LT(shortest, 0.025);  // with the socket's own time-out, each wait would take 0.03 s
 }
 
 TEST_F(TcpDescriptor, AWaitOf100MillisecondsIsNotProlongedByTheSocketsTimeout) {

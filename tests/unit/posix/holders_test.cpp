@@ -27,7 +27,8 @@ TEST(Holders, AreOnlyTheProgramsThatHoldThisFile) {
   const OtherProgram holder(one);
   const OtherProgram holderOfTheOther(other);
   const int waiting = ::open(other.c_str(), O_RDWR | O_CLOEXEC);
-  // The system lists a program that waits for a lock in another form than those that have one.
+  // In the system's list of locks, a program that waits for a lock has a line of another form than
+  // a program that has the lock.
   test::SleepingThread thread([waiting] { EXPECT_EQ(::flock(waiting, LOCK_EX), 0); });
   thread.awaitSleep();
   EXPECT_THAT(holdersOf(one), ElementsAre(holder.process()));

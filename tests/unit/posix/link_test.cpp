@@ -22,7 +22,7 @@ using test::SleepingThread;
 
 const std::string protocol = AccessoryIdentity{}.protocolStrings.front();
 
-/// An accessory on a socket pair, with a session; the other end is a plain descriptor.
+/// An accessory with a session, on one socket of a pair. The other socket is the device's.
 class LinkTest : public testing::Test {
  protected:
   LinkTest() {
@@ -324,7 +324,7 @@ TEST_F(LinkTest, AConnectionCheckDoesNotWaitForTheEndOfASession) {
   const Stopwatch watch;
   accessory.isConnected();
   EXPECT_FALSE(input->hasBytesAvailable());
-  EXPECT_LT(watch.seconds(), 1);  // the end of the session takes two seconds
+  EXPECT_LT(watch.seconds(), 1);  // a wait for the end of the session would take two seconds
   ending.join();
 }
 

@@ -16,7 +16,7 @@
 #include "tests/support/PseudoTerminal.h"
 #include "tests/unit/posix/SystemCalls.h"
 
-// Lines whose driver refuses the open or the settings.
+// Serial lines that the driver refuses to open, or whose settings the driver refuses.
 namespace quordalvane::posix {
 namespace {
 
@@ -27,7 +27,7 @@ class RefusedLine : public testing::Test {
  protected:
   const std::string& path() const { return terminal_.line; }
 
-  /// Why the line does not open.
+  /// Returns the reason why `open` fails.
   static std::system_error failure(const std::function<void()>& open) {
     try {
       open();
@@ -42,13 +42,13 @@ class RefusedLine : public testing::Test {
   const Descriptor master_{terminal_.master, Descriptor::Kind::Terminal};
 };
 
-/// Takes the rights of root from this process while it exists.
+/// While this object exists, this process has no rights of root; `is` returns false if this failed.
 class OrdinaryUser {
  public:
   OrdinaryUser() : before_(::geteuid()), is_(before_ != 0 || ::seteuid(nobody) == 0) {}
   ~OrdinaryUser() {
     EXPECT_EQ(::seteuid(before_), 0);
-    ::prctl(PR_SET_DUMPABLE, 1);  // the change of the user has hidden the process from others
+    ::prctl(PR_SET_DUMPABLE, 1);  // changing the user ID has hidden this process from others
   }
   OrdinaryUser(const OrdinaryUser&) = delete;
   OrdinaryUser& operator=(const OrdinaryUser&) = delete;

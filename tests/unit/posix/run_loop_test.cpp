@@ -29,7 +29,7 @@ class RecordingStream : public NSStream {
   double waited = -1;
 };
 
-// Runs `body` on a thread of the platform and returns when it has ended.
+// Runs `body` on a thread of the platform, and returns when `body` has ended.
 void onThread(const std::function<void()>& body) {
   std::atomic<bool> ended = false;
   PosixThread thread([&] {
@@ -127,7 +127,7 @@ TEST(RunLoop, ARoutineOfAnotherThreadWakesALongSlice) {
   for (int i = 0; i < 200; ++i) {
     EXPECT_TRUE(thread.performAndWait([] {}));
   }
-  EXPECT_LT(watch.seconds(), 25);  // a slice that nothing wakes would last 100 s
+  EXPECT_LT(watch.seconds(), 25);  // if no routine woke the loop, 200 calls would take 100 s
   stop = true;
   while (thread.performAndWait([] {})) {
   }

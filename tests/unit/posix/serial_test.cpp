@@ -30,7 +30,7 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 
-/// A line whose other end is in this process.
+/// A pseudo-terminal as a serial line. This object keeps the other side open.
 class Line {
  public:
   const std::string& path() const { return terminal_.line; }
@@ -333,7 +333,7 @@ TEST(SerialLine, DoesNotBecomeTheControllingTerminal) {
   const Line line;
   const pid_t child = ::fork();
   if (child == 0) {
-    ::setsid();  // a session's leader would get the first terminal that it opens
+    ::setsid();  // from now on, an opened terminal can become the controlling terminal
     const Descriptor opened = openSerial(line.path());
     const bool none = ::open("/dev/tty", O_RDWR | O_CLOEXEC) < 0 && errno == ENXIO;
     ::_exit(none ? 0 : 1);

@@ -11,7 +11,8 @@
 #include "tests/support/Listener.h"
 #include "tests/unit/posix/Stopwatch.h"
 
-// A printer without space still acknowledges; a printer that has vanished acknowledges nothing.
+// A printer without space still acknowledges the system's probes. A printer that has vanished
+// acknowledges nothing.
 namespace quordalvane::posix {
 namespace {
 
@@ -34,7 +35,7 @@ class Printer {
     return socket;
   }
 
-  /// From now on nothing reaches the other side, so it acknowledges nothing.
+  /// From now on nothing reaches the printer, so the printer acknowledges nothing.
   void pullTheCable() const {
     std::array<sock_filter, 1> takeNothing = {{BPF_STMT(BPF_RET | BPF_K, 0)}};
     const sock_fprog filter{.len = takeNothing.size(), .filter = takeNothing.data()};
@@ -53,7 +54,8 @@ void fill(Link& link) {
   }
 }
 
-/// Waits as a port does, slice by slice.
+/// Waits as a port does, in many short waits. Returns false if the link is not lost within
+/// `seconds`.
 bool isLostWithin(Link& link, double seconds) {
   const Stopwatch watch;
   while (!link.isLost()) {
@@ -87,7 +89,8 @@ TEST(SilentLink, RemainsConnectedIfThePrinterHasNoSpaceForLongerThanTheLimit) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);
-  // After three seconds the intervals between the system's probes are longer than the limit.
+  // The test takes three seconds, because only then are the intervals between the system's probes
+  // longer than the limit.
   EXPECT_FALSE(isLostWithin(link, 3));
 }
 

@@ -18,7 +18,7 @@ namespace {
 
 using test::eventually;
 
-/// A thread that runs its loop until it is stopped, and ends with this object.
+/// A thread that runs its loop until this object is destroyed.
 class TurningThread {
  public:
   TurningThread() { EXPECT_TRUE(thread.start()); }
@@ -212,8 +212,8 @@ TEST(PosixThread, ARoutineMayReleaseTheHandleOfItsThread) {
   EXPECT_TRUE(eventually([&] { return over.load(); }));
 }
 
-/// Makes the system refuse every new thread while this object exists: it demands a stack that is
-/// larger than the memory.
+/// While this object exists, the system refuses every new thread, because the default stack of a
+/// thread is larger than the memory.
 class NoMoreThreads {
  public:
   NoMoreThreads() {

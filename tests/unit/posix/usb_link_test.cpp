@@ -16,7 +16,8 @@
 namespace quordalvane::posix {
 namespace {
 
-/// A link to a pair of sockets that replaces the printer driver; a packet may be empty.
+/// A link whose printer driver is replaced by a pair of sockets. The sockets pass packets, which
+/// may be empty.
 struct DriverLink {
   explicit DriverLink(Descriptor::Kind kind) {
     int ends[2];
@@ -75,8 +76,8 @@ TEST(UsbLink, EndsAWaitForBytesIfAMutePrinterIsUnplugged) {
 }
 
 TEST(UsbLink, CountsAnInterruptedTransferAsSent) {
-  // Writing to the page at address 0 fails with EIO, like a transfer of the driver that is broken
-  // off.
+  // Writing to address 0 of this process's memory fails with EIO. The driver reports the same error
+  // for an interrupted transfer.
   const Descriptor driver(::open("/proc/self/mem", O_RDWR | O_CLOEXEC),
                           Descriptor::Kind::UsbPrinter);
   const std::uint8_t bytes[] = {1, 2, 3};
