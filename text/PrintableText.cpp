@@ -54,8 +54,8 @@ void appendControl(std::string& out, std::uint32_t codePoint) {
   }
 }
 
-/// Appends the first character of `text`, which needs an escape or is longer than a byte. Returns
-/// how many bytes of the text this character has.
+/// Appends the first character of `text`. The character must need an escape or be longer than a
+/// byte. Returns the character's length in bytes.
 std::size_t appendSpecial(std::string& out, std::string_view text) {
   const Character character = firstCharacter(text);
   if (character.length == 0) {

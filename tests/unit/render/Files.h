@@ -43,7 +43,7 @@ inline Bytes pngFile(int width, int height, const std::function<std::uint32_t(in
   return file;
 }
 
-/// The file with another size in its header; the checksum of the header is right.
+/// The file `png` with this size in its header. The checksum of the header is right.
 inline Bytes withSize(Bytes png, std::uint32_t width, std::uint32_t height) {
   for (unsigned i = 0; i < 4; ++i) {
     png[16 + i] = static_cast<std::uint8_t>(width >> (24 - 8 * i));
@@ -58,7 +58,7 @@ inline Bytes withSize(Bytes png, std::uint32_t width, std::uint32_t height) {
 
 enum class PngKind { Grey1, Grey16, Palette, Rgb16, Interlaced };
 
-/// A PNG file of that kind whose left half is black and whose right half is white.
+/// A PNG file of this kind whose left half is black and whose right half is white.
 inline Bytes pngFile(PngKind kind, unsigned width, unsigned height) {
   png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
   png_infop info = png_create_info_struct(png);
@@ -102,7 +102,8 @@ inline Bytes pngFile(PngKind kind, unsigned width, unsigned height) {
   return file;
 }
 
-/// A grey JPEG file, white but for the left half of its first rows, which is black.
+/// A grey JPEG file. The left half of the first `blackRows` rows is black, all other pixels are
+/// white.
 inline Bytes jpegFile(unsigned width, unsigned height, unsigned blackRows) {
   jpeg_compress_struct info{};
   jpeg_error_mgr errors{};
@@ -136,7 +137,8 @@ inline Bytes jpegFile(unsigned width, unsigned height) {
   return jpegFile(width, height, height);
 }
 
-/// The data in which a camera says how it was held, from 1 to 8; in either order of bytes.
+/// The Exif data of a camera with this orientation, from 1 to 8. The order of bytes is
+/// little-endian or big-endian.
 inline Bytes exif(std::uint8_t orientation, bool isLittle) {
   if (isLittle) {
     return {'E',  'x', 'i', 'f', 0, 0, 'I', 'I', 42,          0, 8, 0, 0, 0, 1, 0,
@@ -146,7 +148,7 @@ inline Bytes exif(std::uint8_t orientation, bool isLittle) {
           1,   0x12, 0,   3,   0, 0, 0,   1,   0, orientation, 0, 0, 0, 0, 0, 0};
 }
 
-/// The JPEG file with such data.
+/// The file `jpeg` with this Exif data inserted at its beginning.
 inline Bytes withExif(Bytes jpeg, const Bytes& data) {
   Bytes marker = {0xff, 0xe1, 0, static_cast<std::uint8_t>(data.size() + 2)};
   marker.insert(marker.end(), data.begin(), data.end());

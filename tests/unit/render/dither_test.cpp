@@ -13,7 +13,7 @@ namespace {
 constexpr unsigned width = 64;
 constexpr int rows = 64;
 
-// How many dots of 64 by 64 are black.
+// Returns how many dots are black in a square of this grey, 64 dots wide and high.
 int blackDots(DitherKind kind, std::uint8_t grey) {
   Dither dither(kind, width);
   const Bytes row(width, grey);

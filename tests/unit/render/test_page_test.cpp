@@ -9,7 +9,7 @@
 namespace quordalvane::render {
 namespace {
 
-// The numbers of all pages with a usual meaning.
+// The numbers of all standard code pages. Most printers use these numbers for the same pages.
 constexpr std::uint8_t numbers[] = {0,  2,  3,  4,  5,  13, 14, 16, 17, 18, 19, 33,
                                     34, 35, 38, 39, 40, 44, 45, 46, 47, 48, 51};
 

@@ -22,7 +22,8 @@ class Print {
   const Picture& picture() const { return picture_; }
   std::string text() const { return renderText(paper()); }
 
-  /// How dark a dot of the print is, counted from the first line: 0 to 255.
+  /// Returns how dark a dot is: 0 is white, 255 is black. `x` counts from the left edge of the
+  /// print, `y` from the first line.
   unsigned darkness(unsigned x, unsigned y) const {
     return 0xffU - (picture_.pixels.at((paperTop + y) * picture_.width + leftEdge + x) & 0xffU);
   }
@@ -37,7 +38,7 @@ class Print {
     return count;
   }
 
-  /// A row of dots as text, '#' where it is dark.
+  /// Returns a part of row `y` as text: '#' for a dark dot, '.' for any other.
   std::string row(unsigned y, unsigned x, unsigned width) const {
     std::string dots;
     for (unsigned i = x; i < x + width; ++i)

@@ -13,7 +13,8 @@ void add(Bytes& bytes, std::uint32_t value, unsigned count) {
   }
 }
 
-/// A file of so many bits a dot, with a palette from black to white.
+/// A bitmap file with `depth` bits for each dot. Unless `depth` is 24, the file has a palette from
+/// black to white.
 Bytes file(std::uint32_t width, std::int32_t height, unsigned depth, const Bytes& dots) {
   const std::uint32_t colours = depth == 24 ? 0 : 1U << depth;
   Bytes bytes = ascii("BM");

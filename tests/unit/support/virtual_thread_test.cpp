@@ -9,7 +9,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// A platform with a thread that runs its loop for a second when it is started.
+/// A platform, and a thread that runs its run loop for a second after the thread is started.
 class VirtualThreadTest : public testing::Test {
  protected:
   void pass(std::uint64_t seconds) { platform_.clock().usleep(seconds * 1000000); }
