@@ -64,8 +64,8 @@ inline std::string callerOf(const sdbus::IObject& object) {
   return object.getCurrentlyProcessedMessage()->getSender();
 }
 
-/// Sends the call. `take` receives the answer later, while messages are handled, unless the call is
-/// cancelled before.
+/// Sends the call. Unless the call is cancelled, `take` receives the answer later, when messages
+/// are handled.
 inline sdbus::PendingAsyncCall send(sdbus::IProxy& proxy, const sdbus::MethodCall& message,
                                     ReplyHandler take, std::chrono::seconds timeout) {
   return proxy.callMethod(message, std::move(take), timeout);

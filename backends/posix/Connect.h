@@ -26,7 +26,8 @@ Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime 
 ///
 /// Throws a `std::system_error`, with a message for people, if nothing answers within `timeout`,
 /// which must be above zero. The code of the error is one of the system or, if a name cannot be
-/// resolved, of `resolverCategory()`. A lookup that is too slow ends later by itself.
+/// resolved, of `resolverCategory()`. If the lookup of a name takes longer than `timeout`, it
+/// continues on a thread of its own.
 Descriptor connectTcp(const std::string& host, std::uint16_t port,
                       std::chrono::milliseconds timeout = connectTimeout);
 

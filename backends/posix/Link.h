@@ -102,7 +102,7 @@ class Link {
   std::mutex mutex_;  // guards the members below
 
   // Null after `release`. A waiting thread shares the ownership of the descriptor. Otherwise the
-  // system could reuse its number for another file while the thread polls it.
+  // system could reuse the number of the descriptor for another file while the thread polls it.
   std::shared_ptr<const Descriptor> descriptor_;
 
   std::array<std::uint8_t, 4096> ahead_{};  // the bytes from next_ to end_ are unread
