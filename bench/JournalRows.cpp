@@ -127,8 +127,8 @@ struct Cost {
   double jobsASecond;
 };
 
-/// Measures both sides alternately, job by job: a disk that other programs use can be slow for
-/// seconds, and this must affect both sides alike.
+/// Measures the journal and SQLite alone alternately, job by job. A disk that other programs use
+/// can be slow for seconds, and this must affect both measurements alike.
 void measureOnce(Pairs<Cost>& pairs) {
   const Folder folder;
   const Folder bareFolder;

@@ -1,4 +1,4 @@
-// The cost of a log statement for its caller.
+// Measures how long a log statement delays its caller.
 
 #include <benchmark/benchmark.h>
 #include <spdlog/async.h>

@@ -13,8 +13,8 @@
 namespace quordalvane::bench {
 
 /// The printer's end of one connection. This printer prints at once, or after a delay, and confirms
-/// each job. It runs until the other side ends the connection, and the destructor waits for that. A
-/// printer must therefore outlive the other side.
+/// each job. It runs until the other side ends the connection, and the destructor waits for this
+/// end. A printer must therefore outlive the other side.
 class ReceiptPrinter {
  public:
   using Instant = std::chrono::steady_clock::time_point;
