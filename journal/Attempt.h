@@ -21,9 +21,8 @@ struct Attempt {
   std::uint64_t bytesAccepted = 0;  ///< as in `PrintResult`
   std::string reason = {};          ///< as in `PrintResult`
 
-  /// The name of the proof that was used, as in `PrintResult`. "" in a row that an older version of
-  /// the journal wrote, because older versions did not record the proof; the obstacle is then
-  /// NoProof.
+  /// The name of the proof that was used, as in `PrintResult`. Older versions of the journal did
+  /// not record the proof: in their rows this text is "", and the obstacle is NoProof.
   std::string proof = {};
   PrintObstacle obstacle =
       PrintObstacle::NoProof;  ///< as in `PrintResult`; valid after the attempt has ended

@@ -116,7 +116,7 @@ std::size_t Journal::forgetOlderThan(std::uint32_t days) {
 }
 
 /// Removes the job if its last attempt began before `moment`. The time is checked here, under the
-/// lock, because another attempt may have begun since the caller looked.
+/// lock, because another attempt may have begun since the caller read the rows.
 Forgetting Journal::forgetIfBegunBefore(std::int64_t moment, const std::string& name) {
   const auto lock = withLocksOf(file_, [&](const auto& locks) {
     return ByteLock::take(locks, lockOffset(name), modeOfLocks, longestMoment, {});
