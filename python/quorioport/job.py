@@ -40,7 +40,8 @@ class Proof(Enum):
     AUTO = "auto"
     #: The printer counts marks before and after the data.
     BLOCK = "block"
-    #: The printer returns four random characters that end the job. Only in ESC/POS.
+    #: The job ends with a command that contains four random characters. The printer answers with these characters.
+    #: Only in ESC/POS.
     PROCESS_ID = "process-id"
     #: A query follows the data. The printer answers the query after it has printed the data. Only in ESC/POS.
     IN_ORDER = "in-order"

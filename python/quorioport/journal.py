@@ -29,7 +29,7 @@ class JobState(Enum):
     REFUSED = "refused"
     #: Nobody knows whether the job is on paper.
     UNCONFIRMED = "unconfirmed"
-    #: A process that is still running prints the job.
+    #: A running process is printing the job.
     PRINTING = "printing"
     #: The printer confirmed the job.
     PRINTED = "printed"
