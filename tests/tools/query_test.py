@@ -303,7 +303,8 @@ class QueryAnswers(Case):
 
     def test_a_lost_link_is_reported_even_if_bytes_are_unread(self):
         def closes(connection, words):
-            connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 1)  # one packet carries `words` and the link's end
+            # One packet carries `words` and the end of the connection.
+            connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_CORK, 1)
             connection.sendall(words)
 
         def resets(connection, words):

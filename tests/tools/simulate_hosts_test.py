@@ -31,8 +31,8 @@ class HostConnections(Case):
             eventually(lambda: simulator.state()["printedBytes"] == sent, "all has been printed once and whole")
 
     def leave_behind(self, simulator, data: bytes) -> int:
-        """Connects as a host, sends as much of `data` as possible without waiting, and disconnects. Returns how many bytes
-        it sent."""
+        """Connects as a host, sends as much of `data` as possible without waiting, and disconnects. Returns how many
+        bytes it sent."""
         if simulator.place.startswith("serial:"):
             terminal = os.open(simulator.place.removeprefix("serial:"), os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
             sent = os.write(terminal, data)
