@@ -28,7 +28,7 @@ inline simulator::Faults with(const char* fault, const char* value) {
   return faults;
 }
 
-/// The name of an instance of a test for both emulations.
+/// Names the instances of a test that runs in both emulations: "Line" and "EscPos".
 inline std::string emulationName(const testing::TestParamInfo<ZKEmulation>& emulation) {
   return emulation.param == ZKEmulationQuorLine ? "Line" : "EscPos";
 }

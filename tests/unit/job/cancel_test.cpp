@@ -62,8 +62,8 @@ TEST_P(JobCancellation, EndsTheJobWithinASecondInALongImage) {
   EXPECT_FALSE(till.port->isConnected());
 }
 
-// The time-out of the block must not drop the data of later jobs. The port repeats its write
-// without a pause once the link has taken a part of a command.
+// If the link first takes only a part of a command, the port may repeat its write without a pause
+// and without end.
 TEST_P(JobCancellation, EndsAJobWhileThePortWritesWithoutEnd) {
   Till till(GetParam());
   till.port->close();

@@ -101,7 +101,7 @@ TEST_P(PrinterThatNeverStopsSending, CannotDelayAJobBeyond25SecondsOrConfirmTheJ
   }
 }
 
-// Only the bytes of the printer's sign confirm the job.
+// Only a pattern that equals the status of a printer after both end marks confirms the job.
 TEST_P(PrinterThatNeverStopsSending, CannotDelayTheEndOfAJobBeyond25Seconds) {
   const test::Bytes data = test::ascii("receipt\n");
   PrintResult result;
@@ -115,7 +115,8 @@ TEST_P(PrinterThatNeverStopsSending, CannotDelayTheEndOfAJobBeyond25Seconds) {
   EXPECT_EQ(result.bytesAccepted, data.size());
 }
 
-// Each byte could be a late answer to the request of the first job, for which the second job waits.
+// Each byte from the printer could be a late answer to the request of the first job. The second job
+// waits for these late answers.
 TEST(PrinterThatSendsSlowlyWithoutEnd, CannotDelayTheNextJobBeyond40Seconds) {
   for (const auto& [proof, byte] :
        {std::pair(ProofKind::Block, bytes("12")), std::pair(ProofKind::InOrder, bytes("00"))}) {

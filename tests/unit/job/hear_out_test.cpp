@@ -13,8 +13,8 @@ namespace {
 
 using std::chrono::seconds;
 
-/// A port to a virtual printer with these faults, which waits for late answers with the requests of
-/// the in-order proof.
+/// Calls `hearOut` for a port to a virtual printer with the given faults. The question is the
+/// request of the in-order proof.
 class Hearing : private TransferObserver {
  public:
   explicit Hearing(simulator::Faults faults = {}) {

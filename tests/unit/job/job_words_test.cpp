@@ -15,7 +15,7 @@ TEST(GroupedCount, HasACommaAfterTheThousands) {
 
 TEST(WhyOffline, IsEmptyForAPrinterThatIsOnLine) {
   QuorPrinterStatus_2 status = {};
-  status.coverOpen = 1;  // on line: the open cover is no reason
+  status.coverOpen = 1;  // the cover is open, but the printer is on line
   EXPECT_EQ(whyOffline(status), "");
 }
 

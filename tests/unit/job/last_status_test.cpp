@@ -25,8 +25,8 @@ test::Bytes statusOf(std::uint8_t count, int flag = -1) {
   return block;
 }
 
-/// Prints on a printer that is ready, counts the mark before the data, and then gives the answers
-/// in `last`, one after the other.
+/// Prints a job. The printer is ready and counts the mark before the data. After that, it sends the
+/// answers in `last`, one after the other.
 PrintResult printOn(const std::vector<test::Bytes>& last) {
   Script script;
   for (const int count : {0, 0, 0, 1}) {

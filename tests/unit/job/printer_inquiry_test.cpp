@@ -282,7 +282,8 @@ TEST(PrinterInquiry, ReportsThatTheLinkDidNotTakeAWholeCommand) {
   EXPECT_EQ(causeOf([&] { inEscPos.inquiry.proof(); }), InquiryCause::NoAnswer);
 }
 
-// The port repeats its write without a time-out once the link has taken a part of a command.
+// If the link first takes only a part of a command, the port may repeat its write without a
+// time-out.
 TEST(PrinterInquiry, EndsWithinSecondsEvenIfThePortWritesWithoutEnd) {
   Till till(PrinterBuilder(), {.timeoutMillis = 2000});
   till.port->close();

@@ -232,7 +232,7 @@ TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedIfTheDataMakesThePrinter
             PrintOutcome::Unconfirmed);
 }
 
-/// A fault of the printer's sign, and whether the job is still confirmed.
+/// A fault of the answer that should confirm the job, and whether the job is still confirmed.
 struct SignFault {
   ProofKind proof;
   const char* name;
