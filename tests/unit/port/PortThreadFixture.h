@@ -13,7 +13,7 @@
 
 namespace quordalvane::test {
 
-/// A world that is made on the main thread, and a port that is made on it.
+/// A test of a port that is made on the main thread, and so has a thread of its own.
 class PortThread : public testing::Test {
  protected:
   using Port = std::shared_ptr<ExternalAccessoryPort>;
@@ -29,7 +29,8 @@ class PortThread : public testing::Test {
     return port;
   }
 
-  /// The events during a call with logging on, without the slices.
+  /// Calls `body` with logging on, and returns the trace without the regular waits of the port
+  /// thread.
   template <typename Body>
   std::string during(Body body) {
     const Logging logging(true);
@@ -57,8 +58,8 @@ class PortThread : public testing::Test {
     return std::chrono::duration<double>(world_.machine().clock().monotonic()).count();
   }
 
-  /// Whether `holders` hold the port. The port thread releases it after its last pass in virtual
-  /// time, so the release may still be unfinished on the machine.
+  /// Whether the port has `holders` owners. The function waits in real time, because a port
+  /// thread that has ended in virtual time may not have released the port yet.
   static bool isHeldBy(const std::weak_ptr<ExternalAccessoryPort>& port, long holders) {
     return eventually([&] { return port.use_count() == holders; });
   }

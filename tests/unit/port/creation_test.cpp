@@ -10,7 +10,7 @@ namespace {
 const std::string method = "initWithPortName:portSettings:timeout:emulation:";
 using Port = std::shared_ptr<ExternalAccessoryPort>;
 
-/// A world, logging, and a port made in it.
+/// A test that makes a port in a scripted world, with logging on.
 class NewPort : public testing::Test {
  protected:
   Port create(std::optional<std::string> portName = "BT:",

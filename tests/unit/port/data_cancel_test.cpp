@@ -30,8 +30,9 @@ TEST_P(DataCancel, FailsIfTheCommandIsWrittenOnlyInPart) {
   Scenario scenario = Scenario::in(GetParam());
   scenario.script.takesInAttempts({4, 0}).isLostAfterBytes(4);
   EXPECT_EQ(scenario.run(startDataCancel()).result, "false");
-  scenario.script =
-      Script().takesInAttempts({2, 2});  // 4 is the length of the tail, not of the command
+  // The link takes 2 of 6 bytes, then 2 of the remaining 4. The sum is the length of the rest, not
+  // of the command.
+  scenario.script = Script().takesInAttempts({2, 2});
   EXPECT_EQ(scenario.run(startDataCancel()).result, "false");
 }
 

@@ -159,11 +159,15 @@ TEST(LineStatusRequest, ThrowsIfItsCommandCannotBeWritten) {
 
 TEST(LineStatusRequest, TreatsAShortWriteAsAFailedWrite) {
   Scenario scenario = lineModePrinter();
-  scenario.script.takesInAttempts({7, 6});  // 13 in total, but the tail has 6: sent again
+  // The link takes 7 of 13 bytes, then the remaining 6. The port compares the sum, 13, with the 6
+  // bytes of the rest, and sends the rest again.
+  scenario.script.takesInAttempts({7, 6});
   scenario.script.isLostAfterBytes(13);
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
   scenario = lineModePrinter();
-  scenario.script.takesInAttempts({5, 3});  // 8 is also the length of the tail: counts as success
+  // The link takes 5 of 13 bytes, then 3 of the remaining 8. The sum is the length of the rest, not
+  // of the command.
+  scenario.script.takesInAttempts({5, 3});
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
 }
 
