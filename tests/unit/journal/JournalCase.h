@@ -12,7 +12,7 @@
 
 namespace quordalvane {
 
-/// A journal in a folder of its own, and a till's use of it.
+/// A test with a journal in a folder of its own. Its functions use the journal as a till does.
 class JournalCase : public testing::Test {
  protected:
   const test::TemporaryFolder folder;

@@ -8,8 +8,8 @@
 
 namespace quordalvane {
 
-/// Calls a function at an exact moment: when a database connection begins, or has ended, a
-/// statement that contains a given text. The connection must be opened while this object exists.
+/// Calls a function at an exact moment: before or after a database connection runs an SQL statement
+/// that contains `text`. The connection must be opened while this object exists.
 class StatementHook {
  public:
   enum class Moment : unsigned { Begin = SQLITE_TRACE_STMT, End = SQLITE_TRACE_PROFILE };
@@ -25,7 +25,8 @@ class StatementHook {
   StatementHook(const StatementHook&) = delete;
   StatementHook& operator=(const StatementHook&) = delete;
 
-  /// Calls `action` at the next such moment, on the thread of the statement.
+  /// Calls `action` once, before or after the next statement that contains the text, on the thread
+  /// that runs the statement.
   void callOnce(std::function<void()> action) { wanted().action = std::move(action); }
 
   bool hasCalled() const { return !wanted().action; }

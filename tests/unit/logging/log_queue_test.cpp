@@ -208,8 +208,8 @@ TEST_F(LogQueueTest, IsFinishedWhenAllQueuedRecordsAreFinished) {
   EXPECT_TRUE(queue_.waitUntilFinished(0ms));
 }
 
-/// Takes and finishes one batch of a queue that waits for more records without end. It waits as
-/// soon as it is made.
+/// Takes and finishes one batch of a queue on another thread. The queue lets this thread wait for
+/// more records, without a time limit. The constructor returns after the thread has begun to wait.
 class OneTake {
  public:
   explicit OneTake(LogQueue& queue)

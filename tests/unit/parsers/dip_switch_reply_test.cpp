@@ -19,8 +19,8 @@ Bytes reply(char bank, const Bytes& settings) {
   return Bytes{0x1b, 0x23, 0x2c, static_cast<std::uint8_t>(bank)} + settings + Bytes{0x0a};
 }
 
-/// The place of the settings by the contract: a second implementation, which searches the reply as
-/// a text.
+/// The place of the settings, as the comment on `parseDipSwitchInfo` defines it. This second
+/// implementation searches the reply as a text.
 std::optional<Place> settingsByText(const Bytes& bytes) {
   const std::string all(bytes.begin(), bytes.end());
   const std::size_t start = std::min(all.find("\x1b#,1"), all.find("\x1b#,2"));

@@ -18,7 +18,8 @@ std::optional<Place> text(const Bytes& bytes) {
   return found(parseFirmwareInfo, bytes);
 }
 
-/// The place of the text by the contract, found by trying every place and every length.
+/// The place of the text, as the comment on `parseFirmwareInfo` defines it. This second
+/// implementation tries every place and every length.
 std::optional<Place> textByTrial(const Bytes& bytes) {
   const std::string all(bytes.begin(), bytes.end());
   for (std::size_t start = 0; start < all.size(); ++start) {
