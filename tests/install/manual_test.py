@@ -25,7 +25,7 @@ def commands() -> list[str]:
 
 
 def options(help_text: str) -> set[str]:
-    """The long options, which begin their lines."""
+    """The long options that begin a line of the help."""
     return set(re.findall(r"^  (?:-\w,)?(--[\w-]+)", help_text, re.M))
 
 
@@ -47,7 +47,7 @@ def settings() -> list[str]:
 
 
 def proofs() -> list[str]:
-    """The proofs that `print` lists if it is given an unknown one."""
+    """The proofs that `print` lists if it is given an unknown proof."""
     refusal = subprocess.run([QUORPORT, "print", "--proof", "nonsense", "-"], capture_output=True, text=True, input="")
     return re.split(", | or ", re.search(r"takes (auto, .*), not", refusal.stderr).group(1))
 
