@@ -46,7 +46,7 @@ class StorageSweep : public JournalCase, public testing::WithParamInterface<Sett
       EXPECT_EQ(told->result.outcome, PrintOutcome::Printed) << "the true outcome";
       EXPECT_EQ(till.printed(), receiptText);
     }
-    till.port->open();  // closed by a job whose beginning could not be recorded
+    till.port->open();  // a job whose beginning could not be recorded closes the port
     const auto next = print(till, "receipt 1");
     EXPECT_EQ(next.notRecorded, "") << "a sound disk";
     if (told && told->notRecorded.empty()) {
