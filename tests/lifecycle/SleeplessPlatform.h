@@ -23,7 +23,7 @@ class SleeplessClock : public ForwardingClock {
   void usleep(std::uint64_t) override { std::this_thread::yield(); }
 };
 
-/// Real threads, and one printer that is attached.
+/// A platform with real threads and one attached printer.
 class SleeplessPlatform : public ForwardingPlatform {
  public:
   SleeplessPlatform() : SleeplessPlatform(std::make_shared<posix::PosixPlatform>()) {}

@@ -71,16 +71,16 @@ TEST(ReleasedPort, IsDestroyedSoonAfterItsClose) {
   EXPECT_TRUE(weak.expired());
 }
 
-/// Facts about the end of one port, recorded by the platform and the test.
+/// Facts about the release of one port, recorded by the platform and the test.
 struct Release {
   std::atomic<bool> mainHasLetGo = false;
   std::atomic<std::thread::id> releasedOn;
   std::thread::id portThread;
 };
 
-/// A platform that belongs to one port, ends with it, and records on which thread that happens. The
-/// port thread ends only after main has released the port, so that the thread has the last
-/// reference.
+/// A platform that belongs to one port, is destroyed with it, and records the thread on which this
+/// happens. The port thread ends only after the main thread has released the port, so the port
+/// thread has the last reference.
 class NotingPlatform : public ForwardingPlatform {
  public:
   NotingPlatform(std::shared_ptr<Platform> next, std::shared_ptr<Release> release)
