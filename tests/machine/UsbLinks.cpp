@@ -8,7 +8,7 @@
 #include "tests/machine/gadget/Cable.h"
 #include "tests/support/Eventually.h"
 
-// The links of USB printers at the kernel's own driver. They run only in the virtual machine.
+// Tests links to USB printers through the kernel's driver. They run only in the virtual machine.
 namespace quordalvane::contract {
 namespace {
 

@@ -1,4 +1,4 @@
-# USB printers at the kernel's driver: the command and a kiosk print on them.
+# The command and a kiosk print on USB printers through the kernel's driver.
 mount -t configfs none /sys/kernel/config
 
 socket=/run/socket

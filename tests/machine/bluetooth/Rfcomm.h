@@ -7,13 +7,13 @@
 #include <cstdint>
 #include <cstdlib>
 
-// The few declarations of the kernel's Bluetooth sockets that a printer's end needs.
+// The declarations of the kernel's Bluetooth sockets that the printer's end of a link needs.
 
 namespace quordalvane::machine {
 
 inline constexpr int rfcommProtocol = 3;
 inline constexpr int adapterProtocol = 1;
-/// The address of a serial port over Bluetooth, as the kernel has it.
+/// The address of a serial port over Bluetooth, in the form that the kernel expects.
 struct RfcommAddress {
   sa_family_t family = AF_BLUETOOTH;
   std::array<std::uint8_t, 6> address = {};  ///< the address, its last byte first

@@ -52,7 +52,7 @@ class UsbGadget {
   /// the stall.
   void stall();
 
-  /// Sets the answer to the question for the port status: 18 ready, 38 paper out, 10 error (hex).
+  /// Sets the port status that the host reads: 0x18 ready, 0x38 paper out, 0x10 error.
   void setPortStatus(std::uint8_t status) { portStatus_ = status; }
 
   static constexpr std::size_t packetSize = 512;

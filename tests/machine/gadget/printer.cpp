@@ -4,7 +4,7 @@
 //
 //     usb_printer [KEY=VALUE …]
 //
-//     controller=NAME    the cable's end, dummy_udc.0 unless given
+//     controller=NAME    the controller at the printer's end of the cable; dummy_udc.0 unless given
 //     socket=PATH        the socket of the virtual printer
 //     carried=FILE       the file for the count of the bytes that arrived
 //     port-status=HEX    18 ready, 38 paper out, 10 error
