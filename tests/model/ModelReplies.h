@@ -7,8 +7,8 @@
 
 #include "tests/support/Bytes.h"
 
-// A second implementation of the meaning of the printers' replies, written from the description of
-// their commands.
+// A second implementation of the parsers of the printers' replies. It was written from the
+// description of the printers' commands.
 
 namespace quordalvane::test {
 

@@ -56,7 +56,8 @@ bool isCharacter(const std::string& bytes) {
          fits({{0xF4, 0xF4}, {0x80, 0x8F}, more, more});
 }
 
-/// The text after its first three characters; a byte that belongs to no character counts as one.
+/// The text after its first three characters. A byte that belongs to no character counts as a
+/// character.
 std::string withoutThreeCharacters(std::string text) {
   for (int count = 0; count < 3; ++count) {
     std::size_t length = 4;

@@ -34,7 +34,7 @@ struct Outcome {
   /// The records of one method.
   std::string records(const std::string& method) const { return recordsOf(lines, method); }
 
-  /// Everything.
+  /// All lines of the trace, including the log records.
   std::string all() const { return whole(lines); }
 
   /// The bytes that the link took, joined.
@@ -62,8 +62,8 @@ struct Scenario {
 
   static Scenario in(std::int32_t emulation, std::uint32_t timeout = 10000);
 
-  /// Runs the call on a port, and on the model in a second world. Both runs must be equal in
-  /// everything, and the call must not exceed its bound.
+  /// Runs the call on a port, and on the model in a separate world. Both runs must be equal in
+  /// everything, and `overrun` must find no call that takes too long.
   Outcome run(const Call& call) const;
 
   Outcome runOnPort(const Call& call) const;
