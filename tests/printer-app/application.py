@@ -104,7 +104,7 @@ class Client:
         return self.ask(ipp.GET_PRINTER)[0]
 
     def begin_upload(self, contents: bytes, kind: str, sent: int) -> socket.socket:
-        """Sends this number of bytes of a document."""
+        """Begins a print job, and sends only `sent` bytes of its document. Returns the open connection."""
         message = self.request(ipp.PRINT_JOB, ipp.attribute(ipp.FORMAT, "document-format", kind))
         connection = socket.create_connection((self.host, self.port), DEADLINE)
         connection.sendall(f"POST {self.resource} HTTP/1.1\r\nHost: {self.host}:{self.port}\r\n"
@@ -169,7 +169,7 @@ class Application(Case):
         return self.client.print(contents, kind, *attributes)
 
     def await_state(self, state: str, job: int) -> str:
-        """The message of the job in this state."""
+        """Waits until the job is in this state, and returns the job's message."""
         eventually(lambda: self.client.job(job)[0] == state, f"job {job} is {state}: {self.client.job(job)}")
         return self.client.job(job)[1]
 
@@ -177,7 +177,7 @@ class Application(Case):
         eventually(lambda: self.client.job(job) == ("processing", message), f"job {job} says {message}")
 
     def receipt_files(self, ending: str, count: int) -> list[Path]:
-        """Waits for this number of receipts, each with its record, which is written last."""
+        """Waits until this number of receipts is complete: a receipt's record is written last. Returns their files."""
         eventually(lambda: len(list(self.receipts.glob("*.json"))) >= count, f"{count} receipts are there")
         return sorted(self.receipts.glob(f"*.{ending}"))
 

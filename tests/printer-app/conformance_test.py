@@ -8,7 +8,7 @@ from harness import eventually, main
 
 # The tests that fail with version 1.3 of the framework for every printer, and the reason of each.
 LEFT_TO_THE_FRAMEWORK = {
-    "overrides-supported",  # it prints all pages of a document alike
+    "overrides-supported",  # the framework prints all pages of a document alike
 }
 
 

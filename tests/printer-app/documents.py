@@ -19,7 +19,7 @@ def is_black(x: int, y: int) -> bool:
 
 
 def page(width: int, height: int, left: int, top: int) -> list[bytes]:
-    """Rows of grey, white but for the figure."""
+    """The rows of a grey picture: a black figure on white."""
     return [bytes(0 if is_black(x - left, y - top) else 255 for x in range(width)) for y in range(height)]
 
 
@@ -31,7 +31,7 @@ def chunk(name: bytes, data: bytes) -> bytes:
 
 
 def png(rows: list[bytes], size: tuple[int, int] | None = None) -> bytes:
-    """Grey; `size` is the size in the file's header if it differs from the real one."""
+    """A grey picture. `size` is the size in the file's header if it differs from the real size."""
     width, height = size or (len(rows[0]), len(rows))
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
             + chunk(b"IDAT", zlib.compress(b"".join(b"\0" + row for row in rows))) + chunk(b"IEND", b""))
@@ -89,7 +89,7 @@ def packed(row: bytes) -> bytes:
 
 
 def lines(rows: list[bytes]) -> bytes:
-    """Each row once, with the number of its repetitions."""
+    """The rows in the coded form: each run of equal rows as a count and a row."""
     data, at = b"", 0
     while at < len(rows):
         end = at + 1
@@ -121,7 +121,7 @@ def pwg(*pages: list[bytes], height: int = 0, bits: int = 8) -> bytes:
 
 
 def apple(*pages: list[bytes]) -> bytes:
-    """Grey, 8 bits a pixel."""
+    """Pages in grey, with 8 bits a pixel."""
     return b"UNIRAST\0" + struct.pack(">I", len(pages)) + b"".join(
         struct.pack(">BBBBII", 8, 0, 1, 4, 0, 0) + struct.pack(">III8x", len(rows[0]), len(rows), 203) + lines(rows)
         for rows in pages)
@@ -131,7 +131,7 @@ def apple(*pages: list[bytes]) -> bytes:
 
 
 def greys(picture: bytes) -> list[bytes]:
-    """The rows of a PNG file, by the first colour of each pixel."""
+    """The rows of a PNG file. Only the first colour of each pixel is read."""
     place, data, colours = 8, b"", b""
     while place < len(picture):
         length, = struct.unpack_from(">I", picture, place)

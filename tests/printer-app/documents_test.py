@@ -1,4 +1,4 @@
-"""Every format that a client may send, as it is printed."""
+"""Documents are printed in every format that a client may send."""
 
 import documents
 import ipp
@@ -75,7 +75,7 @@ class UnprintableDocument(Application):
 
 class JobOptions(Application):
     def record(self, contents: bytes, kind: str, *attributes: bytes) -> dict:
-        """What the printer did for a job."""
+        """Prints a document, and returns the printer's record of its receipt."""
         job = self.print(contents, kind, *attributes)
         self.await_state("completed", job)
         return self.records(job)[-1]

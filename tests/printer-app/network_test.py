@@ -58,7 +58,7 @@ def serve(folder: str, *command: str):
 
 
 def setUpModule():
-    """A bus with a Bluetooth service, which knows one printer, and an announcer, which knows another."""
+    """Starts a bus, a Bluetooth service that knows one printer, and a service that announces another printer."""
     place = tempfile.TemporaryDirectory()
     unittest.addModuleCleanup(place.cleanup)
     folder, bus = place.name, Path(place.name) / "bus"

@@ -79,7 +79,7 @@ class Restarting(Application):
     def test_a_job_that_a_user_held_is_still_held_after_a_restart(self):
         self.printer.set(coverOpen=True)
         first = self.print(b"job 0\n")
-        self.await_message("waiting: cover open", first)  # the framework may start two jobs that arrive at once
+        self.await_message("waiting: cover open", first)  # the framework may start two jobs that arrive together
         held, last = self.print(b"job 1\n"), self.print(b"job 2\n")
         self.client.on_job(ipp.HOLD_JOB, held)
         self.saved(first, state="5")
