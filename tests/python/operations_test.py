@@ -1,4 +1,4 @@
-"""Every public operation, called by several threads at once and by tasks of asyncio, against the virtual printer.
+"""Several threads, and tasks of asyncio, call every public operation at the same time, on a virtual printer.
 
 The test fails if a name of the package is in no table here, or if the package lacks an operation of a table.
 """
