@@ -6,11 +6,12 @@
 
 namespace quordalvane::simulator {
 
-/// Counts the bytes that the printer executed at once and therefore did not queue, each at its
-/// position among the queued bytes. Offsets in the job thus include these bytes.
+/// Counts the received bytes that were not queued: commands that act on reception, and lost data.
+/// Each of these bytes has a position among the queued bytes, so that offsets in the job include
+/// it.
 class Asides {
  public:
-  /// Adds `count` bytes that were executed at once and were received just before the queued byte
+  /// Adds `count` bytes that were received but not queued. The next byte to be queued has the
   /// number `before`.
   void add(std::uint64_t before, std::size_t count);
 

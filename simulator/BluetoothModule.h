@@ -16,7 +16,7 @@ namespace quordalvane::simulator {
 class BluetoothModule {
  public:
   /// The module's two outputs: data for the printer, and the module's own replies for the host.
-  /// Each output receives the time of sending.
+  /// Each output also receives the time at which the module sends the bytes.
   struct Outlets {
     std::function<void(ByteView, Instant)> toPrinter;
     std::function<void(ByteView, Instant)> toHost;
@@ -31,7 +31,7 @@ class BluetoothModule {
   /// Lets time pass until `now`. To be called for each time that `nextEvent` returns, in order.
   void advance(Instant now);
 
-  /// Returns the time at which the module next acts by itself; empty if the module will not.
+  /// Returns the next time at which the module acts without a call; empty if there is no such time.
   std::optional<Instant> nextEvent() const;
 
   /// Passes all held bytes to the printer, because the host has left.

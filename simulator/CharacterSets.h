@@ -22,8 +22,8 @@ class CharacterSets {
   std::string_view page(std::uint8_t number) const { return pages_[number]; }
 
   /// Sets the numbers of the code pages. `text` is `common`, `small`, or pairs NUMBER:NAME
-  /// separated by blanks or `+`, like `0:437+16:1252`. For any other text it throws
-  /// std::invalid_argument, with a text for people, and changes nothing.
+  /// separated by blanks or `+`, like `0:437+16:1252`. Throws std::invalid_argument for any other
+  /// text, with a message for people, and changes nothing.
   void setPages(std::string_view text);
 
   /// Returns the text that `setPages` received last.

@@ -6,7 +6,7 @@
 
 namespace quordalvane::simulator {
 
-/// The character that replaces bytes that encode no character.
+/// The result for bytes that encode no character.
 inline constexpr char32_t noCharacter = 0xfffd;
 
 /// Converts an encoding to Unicode, one character at a time, by the system's converter. Must not be

@@ -17,7 +17,7 @@ class FlowControl {
   /// if no character must be sent.
   std::optional<std::uint8_t> follow(std::size_t free, std::size_t size);
 
-  /// Returns true if the host was asked to pause, and not yet to continue.
+  /// Returns true if the host was asked to pause and has not yet been asked to continue.
   bool isPaused() const { return isPaused_; }
 
   /// Returns how many bytes must be free before the host may continue.

@@ -10,7 +10,7 @@ namespace quordalvane::simulator {
 /// simulator itself reads no clock.
 using Instant = std::chrono::nanoseconds;
 
-/// Returns the earlier of two points in time. An empty one means never.
+/// Returns the earlier of two points in time. An empty value means never.
 inline std::optional<Instant> earlier(std::optional<Instant> one, std::optional<Instant> other) {
   return one && other ? std::min(one, other) : one ? one : other;
 }

@@ -34,9 +34,9 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   }
 }
 
-// Returns true if further pieces are useless. Side by side, a line has at most as many pieces as
-// dots; further pieces are printed over them. A job could add such layers for ever, but after a few
-// layers no change is visible.
+// Returns true if further pieces are useless. Side by side, at most as many pieces fit as the line
+// has dots; further pieces are printed over earlier ones. A job could add such layers for ever, but
+// after a few layers no change is visible.
 bool LineBuilder::isFull() const {
   constexpr std::size_t mostLayers = 8;
   return line_.items.size() >= mostLayers * paperWidth_;

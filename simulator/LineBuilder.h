@@ -16,7 +16,8 @@ class LineBuilder {
   /// Sets the paper width of later lines. To be called between two lines.
   void setPaperWidth(unsigned dots) { paperWidth_ = dots; }
 
-  /// Adds text. Whenever the line is full, it is added to `paper`, and the rest begins a new line.
+  /// Adds text. Whenever the line is full, it is added to `paper`, and the rest of the text begins
+  /// a new line.
   void add(std::u32string_view text, const TextStyle& style, Paper& paper);
 
   /// Adds dots at the current position. Dots beyond the edge of the print area are left out.

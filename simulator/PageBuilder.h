@@ -31,7 +31,7 @@ class PageBuilder {
   /// Returns true if the page needs more memory than any printer has.
   bool isTooLong() const;
 
-  /// Returns the page as built so far.
+  /// Returns the page with everything that has been added so far.
   Page page() const;
 
  private:

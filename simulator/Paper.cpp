@@ -33,7 +33,7 @@ struct Weight {
   std::size_t operator()(const auto&) const { return 0; }
 };
 
-/// The most dots by which an item can move the paper.
+/// Returns an upper bound of the dots by which an item moves the paper.
 struct Length {
   std::uint64_t operator()(const Line& line) const { return line.height(); }
   std::uint64_t operator()(const Symbol& symbol) const {

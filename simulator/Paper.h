@@ -192,9 +192,9 @@ class Paper {
   unsigned width() const { return width_; }
   const std::vector<PaperItem>& items() const { return items_; }
 
-  /// Returns the commands that were skipped because they cannot be shown on paper, by their first
-  /// bytes in hex, with the count of their occurrences. After a hundred kinds, all further ones are
-  /// counted as "others".
+  /// Returns the skipped commands, which cannot be shown on paper. A key is the first bytes of a
+  /// command in hex; its value is how often the command occurred. After a hundred keys, all further
+  /// commands are counted as "others".
   const std::map<std::string, std::size_t>& skipped() const { return skipped_; }
 
   void add(PaperItem item);
@@ -205,8 +205,8 @@ class Paper {
   /// Moves the paper back, at most to its beginning or to a cut.
   void feedBack(unsigned dots);
 
-  /// Cuts the paper. If the paper is cut there already, nothing changes, except that a full cut
-  /// replaces a partial one.
+  /// Cuts the paper. If the paper is already cut at this position, nothing changes, except that a
+  /// full cut replaces a partial cut.
   void cut(bool partial);
 
   void noteSkipped(ByteView command);
@@ -218,7 +218,7 @@ class Paper {
   /// Returns the approximate memory of the items, in bytes.
   std::size_t weight() const { return weight_; }
 
-  /// Returns the greatest length that the paper can have, in dots.
+  /// Returns an upper bound of the paper's length, in dots.
   std::uint64_t length() const { return length_; }
 
   /// Returns true if the paper exceeds a limit. A printer then tears it off before it prints more.

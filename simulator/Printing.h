@@ -55,8 +55,8 @@ class Printing {
   const Paper& paper() const { return typesetter_.paper(); }
   Paper tearOff();
 
-  /// Tears the paper off in the middle of a job. Unlike `tearOff`, this function leaves an
-  /// unfinished line to the next paper, and ends a running macro.
+  /// Tears the paper off in the middle of a job. Unlike `tearOff`, this function ends a running
+  /// macro, and an unfinished line continues on the next paper.
   Paper tearOffFinishedLines();
 
  private:

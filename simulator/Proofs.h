@@ -10,7 +10,7 @@ namespace quordalvane::simulator {
 enum class Proof : std::uint8_t {
   Block,      ///< the checked block: the printer counts ETB bytes (17 hex), and reports each
   ProcessId,  ///< the printer sends back four characters that the host chose
-  InOrder,    ///< the printer answers a status request after all earlier data is printed
+  InOrder,    ///< the printer answers a status request after it has printed all earlier data
 };
 
 /// The proofs that a printer can give. A plain value.

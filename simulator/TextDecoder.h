@@ -22,8 +22,8 @@ struct DecodedText {
 /// sets of the printer.
 ///
 /// If the printer knows UTF-8, and the job has not yet selected a code page, a run of bytes from 80
-/// (hex) up is UTF-8, provided that the whole run is valid. All other bytes belong to the selected
-/// code page; initially that is page 0.
+/// (hex) up is UTF-8 if the whole run is valid UTF-8. All other bytes belong to the selected code
+/// page; initially that is page 0.
 class TextDecoder {
  public:
   TextDecoder() { reset(); }
@@ -31,8 +31,8 @@ class TextDecoder {
   /// Sets the printer's character sets. The job's selection does not change.
   void setCharacterSets(const CharacterSets& sets);
 
-  /// Adds a text byte, at least 20 (hex). Returns the characters that this byte completes; later
-  /// bytes cannot change them.
+  /// Adds a text byte, at least 20 (hex). Returns the characters that are complete after this byte;
+  /// later bytes cannot change them.
   DecodedText put(std::uint8_t byte);
 
   /// Returns the remaining characters. To be called before anything that is not text.

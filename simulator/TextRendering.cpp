@@ -104,7 +104,7 @@ class TextPage {
   std::string takeText() { return std::move(text_); }
 
  private:
-  // Joins the lines of an image that consists of many stripes, so that it is described as one
+  // Joins the lines of an image that consists of many stripes, so that the text describes one
   // image.
   struct Stripes {
     unsigned width = 0;

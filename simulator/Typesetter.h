@@ -53,15 +53,15 @@ class Typesetter {
   /// Ends the current line, if it is not empty.
   void endLine();
 
-  /// Ends the job; the next one may use the other command system.
+  /// Ends the job. The next job may use the other of the two command systems.
   void endJob();
 
-  /// Ends the current line, if it is not empty. Returns the paper so far, as if torn off, and
-  /// continues with an empty one.
+  /// Ends the current line, if it is not empty. Returns the paper, which is thereby torn off, and
+  /// continues with an empty paper.
   Paper tearOff();
 
-  /// Returns the paper so far, and continues with an empty one in the middle of the job. The
-  /// current line continues on the new paper.
+  /// In the middle of a job: returns the paper and continues with an empty paper. The current line
+  /// continues on the new paper.
   Paper tearOffFinishedLines();
 
  private:

@@ -7,7 +7,7 @@
 
 namespace quordalvane::simulator {
 
-/// A status that a printer sends without a question, after a host has switched this service on.
+/// A status that a printer sends without a request, after a host has switched this service on.
 class UnaskedStatus {
  public:
   /// Switches the service on. The next `change` then returns the status, even if the service was on
@@ -16,8 +16,8 @@ class UnaskedStatus {
 
   void switchOff() { latest_.reset(); }
 
-  /// Returns the four bytes to be sent now: on the first call after `switchOn`, and whenever they
-  /// have changed since the last call. Returns no bytes otherwise.
+  /// Returns the four bytes to be sent now: on the first call after `switchOn`, and whenever the
+  /// status has changed since the last call. Returns no bytes otherwise.
   Bytes change(const PrinterState& state);
 
  private:

@@ -271,7 +271,7 @@ void VirtualPrinter::countEtb() {
   ++state_.etbCounter;
 }
 
-// Called when all data of a host that has left are printed.
+// Called after a host has disconnected and all its data have been printed.
 void VirtualPrinter::endJob(std::uint64_t received) {
   printing_.leaveUnfinishedCommand();
   if (!keepJob_) {
@@ -329,8 +329,8 @@ std::size_t VirtualPrinter::readyAgain() const {
   return std::clamp<std::size_t>(state_.bufferSize() / 4, 1, 64);
 }
 
-// Returns how many bytes the printer must print until `bytes` bytes are free; `bytes` must be more
-// than are free now.
+// Returns how many bytes the printer must print until `bytes` bytes of its buffer are free. `bytes`
+// must be greater than the count that is free now.
 std::size_t VirtualPrinter::untilFree(std::size_t bytes) const {
   return buffered() + bytes - state_.bufferSize();
 }

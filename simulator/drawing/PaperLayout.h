@@ -51,8 +51,8 @@ class PaperLayout {
   const std::vector<PlacedItem>& items() const { return items_; }
   const std::vector<Piece>& pieces() const { return pieces_; }
 
-  /// Return the position at which the next item begins, and the lowest position that was printed or
-  /// fed.
+  /// Return the position at which the next item begins, and the position farthest from the top that
+  /// print or a feed has reached.
   unsigned position() const { return y_; }
   unsigned end() const { return end_; }
 

@@ -11,7 +11,7 @@ namespace quordalvane::simulator {
 
 /// Some rows of a paper as a PNG file, black on white, one pixel a dot, without margins.
 struct Strip {
-  unsigned row = 0;  ///< the number of its top row from the beginning of the paper
+  unsigned row = 0;  ///< the number of rows between the beginning of the paper and the strip
   unsigned height = 0;
   Bytes png;
 };

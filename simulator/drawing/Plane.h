@@ -30,7 +30,8 @@ class Plane {
   void dots(const Bitmap& bitmap, int x, int y, unsigned scaleX, unsigned scaleY,
             std::uint8_t darkness);
 
-  /// Darkens dots towards `darkness`. The darker a dot of `stencil`, the darker is the result.
+  /// Darkens dots towards `darkness`. The darker a dot of `stencil` is, the darker the plane's dot
+  /// becomes.
   void draw(const Plane& stencil, int x, int y, std::uint8_t darkness);
 
   /// Returns the plane turned clockwise by this count of quarter turns.
