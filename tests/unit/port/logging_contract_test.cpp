@@ -116,7 +116,7 @@ TEST(LoggingContract, DescriptionsAreMadeIfLoggingIsOn) {
   EXPECT_GT(descriptionsMade(), descriptions);
 }
 
-/// Switches logging on or off when `write:` begins, which first calls `ignoreSigPipe`.
+/// Switches logging on or off in the first step of `write:`, its call of `ignoreSigPipe`.
 class SwitchesLogging : public ForwardingPlatform {
  public:
   SwitchesLogging(std::shared_ptr<Platform> next, bool on)
