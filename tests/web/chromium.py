@@ -1,6 +1,6 @@
 """Chromium without a window, driven by its own protocol over a pair of pipes.
 
-Everything waits for an answer or an event and gives up at a deadline.
+Every call that waits for an answer or an event fails at a deadline.
 """
 
 import base64
@@ -19,7 +19,7 @@ from pathlib import Path
 CHROMIUM = shutil.which("chromium") or shutil.which("chromium-browser")
 DEADLINE = 60  # seconds; far beyond the time of any step here
 
-# The code of each key on a keyboard, its number, and the text that it types.
+# For each key: its name in the browser's events, its key number, and the text that it types.
 KEYS = {"Tab": ("Tab", 9, ""), "Enter": ("Enter", 13, "\r"), "Space": ("Space", 32, " "),
         "ArrowLeft": ("ArrowLeft", 37, "")}
 SHIFT = 8
@@ -222,8 +222,8 @@ def running() -> Iterator[Browser]:
 
 
 def frames(page: Page, wanted: Callable[[bytes], bool]) -> Iterator[tuple[float, float]]:
-    """For each picture of the page that is wanted: when the browser showed it and when it arrived here, in seconds
-    since 1970."""
+    """For each picture of the page for which `wanted` is true: when the browser showed the picture, and when this
+    process received it, in seconds since 1970."""
     while True:
         event = page.browser.event(page.session, "Page.screencastFrame")
         page.call("Page.screencastFrameAck", sessionId=event["params"]["sessionId"])

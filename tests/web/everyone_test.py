@@ -62,7 +62,7 @@ class Accessibility(ShopCase):
         return page, f"{shop.address}receipts/1"
 
     def both_pages(self, **emulation):
-        """The shop's page and a receipt's, with everything unfolded."""
+        """Yields the page of a shop, with all its details open, and then the page of a receipt."""
         page, receipt = self.shop_with_a_receipt(**emulation)
         yield page
         page.go(receipt)

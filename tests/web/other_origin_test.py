@@ -56,7 +56,7 @@ ATTEMPTS = {
 
 
 class Elsewhere(http.server.BaseHTTPRequestHandler):
-    """A harmless-looking page of another server."""
+    """A server of another origin. Its page looks harmless."""
 
     def do_GET(self):
         self.send_response(200)
@@ -94,7 +94,7 @@ class OtherOrigin(ShopCase):
         self.assertIs(state, False)
 
     def test_a_page_of_the_own_origin_can_read_and_change_the_printer(self):
-        """The attempts of Elsewhere succeed from the page's own origin, which shows that the attempts themselves work."""
+        """The attempts work: from the shop's own page they succeed, so only the other origin makes them fail."""
         shop = self.shop()
         own = self.shop_page(shop)
         for name in ("reads", "follows the events", "switches"):

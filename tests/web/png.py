@@ -8,7 +8,7 @@ CHANNELS = {0: 1, 2: 3, 4: 2, 6: 4}  # the number of channels of each colour typ
 
 
 class Picture:
-    """`rows` holds a bytes object each, `channels` bytes a pixel: grey, or red, green and blue first."""
+    """`rows` has the bytes of each row. A pixel is `channels` bytes, which begin with grey, or with red, green and blue."""
 
     def __init__(self, data: bytes):
         assert data.startswith(SIGNATURE), "no PNG"

@@ -1,4 +1,4 @@
-"""The page of `simulate --web` in a browser: the page shows the output of a till, and its switches take effect."""
+"""The page of `simulate --web` in a browser shows the receipts of a till, and the switches on the page take effect."""
 
 import json
 

@@ -1,4 +1,4 @@
-"""A shop to look at: `quorport simulate --web`, and its page in the browser."""
+"""A shop: the virtual printers of a run of `quorport simulate --web`, and their page in the browser."""
 
 import re
 import socket
@@ -28,7 +28,7 @@ class Shop(Running):
 
 
 class ShopCase(Case):
-    """Tests with one browser for all of them and a shop for each."""
+    """Tests that share one browser. Each test starts its own shop."""
 
     @classmethod
     def setUpClass(cls):

@@ -18,16 +18,16 @@ WIDTH, HEIGHT = 360, 480
 
 LINE = b"2 Espresso        3.60\n"
 CUT_RECEIPT = LINE * 4 + b"\x1dVA\0"
-LONG_LINE = LINE + b"\x1bJ\x0a"  # 40 dots, at eight a millimetre
+LONG_LINE = LINE + b"\x1bJ\x0a"  # 40 dots high, at eight dots a millimetre
 LONG_LINES_OF_A_METRE = 200
 RECEIPTS = 1000
-FIRST = 200  # after so many receipts each list of the page has its full length
+FIRST = 200  # after this many receipts, each list of the page has its full length
 HEAP_GROWTH = 1 << 20  # bytes
 
 
 class PageSpeed(ShopCase):
     def place_of_the_newest_line(self, page: Page) -> tuple[int, int]:
-        """The middle of the line at the slot, in pixels of the visible page."""
+        """The middle of the newest printed line, in pixels of the visible page."""
         page.evaluate("document.querySelector('.paper').scrollIntoView({block: 'end', behavior: 'instant'})")
         x, y = page.evaluate("""(() => {
             const box = document.querySelector('.paper').getBoundingClientRect();
@@ -67,7 +67,7 @@ class PageSpeed(ShopCase):
         page.until(f"document.querySelector('#receipts li strong')?.textContent === 'Receipt {latest}'", f"receipt {latest}")
 
     def memory_with_paper(self, shop: Shop, page: Page, metres: int) -> dict[str, int]:
-        """The measurement while this many metres hang out of the printer."""
+        """The memory of the page while this many metres of paper hang out of the printer."""
         with shop.connect() as till:
             till.sendall(LONG_LINE * (metres * LONG_LINES_OF_A_METRE))
             page.until(f"document.querySelector('.strip').ariaLabel.startsWith('{metres}.0')", f"{metres} m hang out")
