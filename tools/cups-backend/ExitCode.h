@@ -11,7 +11,7 @@ enum class ExitCode : int {
   Held = CUPS_BACKEND_HOLD,           ///< a person must decide
   QueueStopped = CUPS_BACKEND_STOP,   ///< no job of this queue can be printed
   JobCanceled = CUPS_BACKEND_CANCEL,  ///< this job can never be printed
-  CutOff = 100,                       ///< the worker was stopped; the guard decides about the job
+  CutOff = 100,                       ///< the worker process was stopped; its parent decides
 };
 
 }  // namespace quordalvane::cups

@@ -11,8 +11,8 @@ namespace quordalvane::cups {
 /// URI, its make and model, its name for people, its device ID and an empty location.
 std::string listingOf(const FoundDevice& found);
 
-/// Writes to `descriptor` the printers that can be found, one in each line. Reports the kinds of
-/// links that could not be searched on `lines`.
+/// Writes to `descriptor` the printers that can be found, one in each line. Reports on `lines` each
+/// kind of link that could not be searched.
 void listPrinters(int descriptor, StatusLines& lines);
 
 }  // namespace quordalvane::cups

@@ -29,9 +29,9 @@ class QueuePrinter {
   QueuePrinter(const QueuePrinter&) = delete;
   QueuePrinter& operator=(const QueuePrinter&) = delete;
 
-  /// Waits until no other job has the printer, and opens a port unless one is open. Throws
-  /// `OutOfReach` if the printer cannot be reached, and `std::invalid_argument` if the device has
-  /// keys with which no port can find it.
+  /// Does nothing if a port is open. Otherwise waits until no other job has the printer, and opens
+  /// a port. Throws `OutOfReach` if the printer cannot be reached, and `std::invalid_argument` if
+  /// the keys of the device text prevent the port from choosing the device.
   void open();
 
   /// Closes the port and releases the printer for others. Does nothing if the printer is not open.

@@ -15,8 +15,9 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// The least delay, in milliseconds, between the report and a record that shows a release. Within
-// this delay, the scheduler may not have held the job yet.
+// A job's record shows a release only if it was written at least this many milliseconds after the
+// outcome was reported as unknown. An earlier record may be the one by which the scheduler held the
+// job.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {
@@ -26,8 +27,8 @@ std::int64_t millisSinceBoot() {
 }
 
 // Reads the start time from the 22nd field of the process's stat file, in clock ticks since the
-// machine was started. The second field is the program's name in parentheses. As it may contain
-// blanks and parentheses, the search begins at the last parenthesis.
+// machine was started. The second field is the program's name in parentheses. The name may contain
+// blanks and parentheses, so the search begins at the last parenthesis.
 std::optional<std::int64_t> startInTicks(int process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/stat");
   std::string text;
@@ -52,8 +53,8 @@ std::optional<std::int64_t> schedulerStart(int scheduler) {
   if (!ticks) {
     return std::nullopt;
   }
-  // This is the end of the tick, because the previous scheduler may have written records until this
-  // scheduler was started.
+  // The end of the tick in which this scheduler was started. Until then, the previous scheduler may
+  // have written records.
   const std::int64_t start = (*ticks + 1) * millisInSecond / ::sysconf(_SC_CLK_TCK);
   return millisecondsNow() - (millisSinceBoot() - start);
 }

@@ -12,13 +12,14 @@ namespace quordalvane::cups {
 /// process.
 std::optional<std::int64_t> schedulerStart(int scheduler);
 
-/// Returns true if this job was started because a person has released it. At the time `told` the
-/// outcome of the job was reported as unknown, and the scheduler held the job. A scheduler starts a
-/// held job only if a person releases it. But if a scheduler was killed, the hold may be lost, and
-/// the next scheduler starts the job by itself.
+/// Returns true if this job was started because a person has released it. The outcome of the job
+/// was reported as unknown at the time `told`, and the scheduler then held the job. A scheduler
+/// starts a held job only if a person releases it. But if a scheduler was killed, the hold may be
+/// lost, and the next scheduler then starts the job by itself.
 ///
-/// A person has therefore released the job in two cases: the same scheduler still runs, or the
-/// job's record, `controlFile`, was written after `told`. All times are milliseconds since 1970.
+/// A person has therefore released the job in two cases: the scheduler that held the job still
+/// runs, or an earlier scheduler has written the job's record, `controlFile`, after `told`. All
+/// times are milliseconds since 1970.
 bool isReleased(std::int64_t told, std::optional<std::int64_t> schedulerStart,
                 const std::filesystem::path& controlFile);
 

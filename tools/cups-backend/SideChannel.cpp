@@ -12,8 +12,9 @@ namespace quordalvane::cups {
 namespace {
 
 // A message is a command, a status, the length of its data in two bytes, and the data. The print
-// system's library has functions for messages, but it loads two dozen other libraries. If a back
-// end were killed while they are loaded, no witness process would notice that.
+// system's library has functions for messages, but that library loads two dozen others. A back end
+// that is killed while it loads libraries has not started its witness process yet, so its end would
+// not be noticed.
 constexpr std::size_t headSize = 4;
 constexpr std::size_t longestData = 65535;
 

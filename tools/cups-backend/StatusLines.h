@@ -13,7 +13,7 @@ namespace quordalvane::cups {
 class StatusLines {
  public:
   /// `standing` lists the reasons that the queue's printer has now, separated by commas or blanks.
-  /// Reasons that an earlier back end set remain until the first `setReasons` removes them.
+  /// A reason from an earlier back end remains until `setReasons` is called for the first time.
   explicit StatusLines(std::string_view standing, int descriptor = 2);
 
   /// Shows `text` as the one line beside the queue. Does nothing if that text is there already.

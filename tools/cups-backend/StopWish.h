@@ -8,8 +8,8 @@
 
 namespace quordalvane::cups {
 
-/// The scheduler's request to end a job. While no block of the job is being printed there is
-/// nothing to undo, so the process ends at once, even if it is waiting. May be used from any
+/// The scheduler's request to end a job. While no block of the job is being printed, there is
+/// nothing to undo, so the process ends immediately, even if it is waiting. May be used from any
 /// thread.
 class StopWish {
  public:
@@ -20,8 +20,8 @@ class StopWish {
   /// process.
   void cancel();
 
-  /// Ends the process because nobody reads the reports any more: at once, or after the block that
-  /// is being printed.
+  /// Ends the process, because nobody reads the reports any more. If a block is being printed, the
+  /// process ends after this block; otherwise it ends immediately.
   void leaveWhenIdle();
 
   /// Marks `job` as being printed. `job` must live until `endJob`.
