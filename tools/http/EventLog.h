@@ -45,7 +45,8 @@ class EventLog {
 Text eventText(std::string_view name, std::string_view data,
                std::optional<std::uint64_t> number = std::nullopt);
 
-/// One reader of a log. It reads its first texts, and then each event, at its own pace.
+/// One reader of a log. It reads the texts that it is given at the beginning, and after them each
+/// event, at its own pace.
 class EventReader {
  public:
   /// Reads the texts of `first`, then the events after number `after`. The log must outlive this

@@ -306,8 +306,8 @@ class Server::Machine {
     }
   }
 
-  // Cuts off the readers that were too slow. The library asks for the next bytes only for a reader
-  // that takes bytes, so a check at that moment would miss the readers that take none.
+  // Cuts off the readers that were too slow. This check cannot be made when the library asks for a
+  // reader's next bytes, because the library never asks for a reader that takes no bytes.
   void cutOffLostReaders() {
     for (const Reader& reader : readers_) {
       Connection& its = *connectionOf(reader.connection);
