@@ -8,7 +8,6 @@ namespace quordalvane::printer_app {
 /// `deviceOf` returns "" for any other URI.
 std::string uriOf(const std::string& device);
 std::string deviceOf(const std::string& uri);
-/// @}
 
 /// Registers these URIs with the framework, and lets it list the devices that `discoverDevices`
 /// finds. The framework never opens a device; each job opens its own.

@@ -23,9 +23,9 @@ namespace quordalvane::printer_app {
 /// Any call throws RenderError if the job is too large for the machine.
 class Document {
  public:
-  /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands. A cut is
-  /// added to them only if the job asks for one, and nothing but a drawer pulse is sent before
-  /// them.
+  /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands. To `Raw`
+  /// commands, a cut is added only if the job asks for one, and only a drawer pulse may be sent
+  /// before the commands.
   enum class Kind { Rendered, Raw };
 
   Document(pappl_job_t* job, const pappl_pr_options_t& options, Kind kind);
@@ -42,8 +42,8 @@ class Document {
   /// Returns how many pages have ended.
   int pages() const { return pages_; }
 
-  /// Appends the copies and cuts, and returns the whole job. To be called once, after the last
-  /// page.
+  /// Adds the copies and the paper cuts to the document, and returns the whole job. To be called
+  /// once, after the last page.
   const std::vector<std::uint8_t>& end(int copies);
 
  private:
@@ -59,6 +59,5 @@ class Document {
 /// file cannot be read or is larger than any job.
 void readDocument(pappl_job_t* job, const render::Output& take);
 std::vector<std::uint8_t> wholeDocument(pappl_job_t* job);
-/// @}
 
 }  // namespace quordalvane::printer_app

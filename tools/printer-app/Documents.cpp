@@ -133,8 +133,8 @@ void addCommandDocuments(pappl_pr_driver_data_t& data) {
 void addRenderedDocuments(pappl_system_t* system) {
   papplSystemAddMIMEFilter(system, "text/plain", "image/pwg-raster", printText, nullptr);
   papplSystemAddMIMEFilter(system, waitingRasterType, "image/pwg-raster", printRaster, nullptr);
-  // The framework's own filters convert to raster. These filters have precedence, and print exactly
-  // as the command `quorport` does.
+  // The framework has its own filters for pictures, which convert to raster. The filters that are
+  // added here have precedence, and print exactly as the command `quorport` does.
   for (const char* const commands : commandTypes) {
     papplSystemAddMIMEFilter(system, "image/png", commands, printPicture, nullptr);
     papplSystemAddMIMEFilter(system, "image/jpeg", commands, printPicture, nullptr);

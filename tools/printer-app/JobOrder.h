@@ -11,7 +11,8 @@ namespace quordalvane::printer_app {
 void letOldestGoNext(pappl_printer_t* printer);
 
 /// Returns true if an older job of the same printer is being printed. The framework sometimes
-/// starts two jobs at once, and one job twice; the younger one must then wait.
+/// starts one job twice, or two jobs at the same time. If it starts two jobs, the younger job must
+/// wait.
 bool isOlderUnderWay(pappl_job_t* job);
 
 /// Returns true if the printer is idle, and its oldest waiting job is the same as at the last call.

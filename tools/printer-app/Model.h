@@ -13,7 +13,6 @@ namespace quordalvane::printer_app {
 inline constexpr auto escPosType = "application/vnd.escpos";
 inline constexpr auto lineModeType = "application/vnd.quordalvane-line-mode";
 inline constexpr std::array commandTypes = {escPosType, lineModeType};
-/// @}
 
 /// A kind of printer: its commands and its paper width.
 struct Model {

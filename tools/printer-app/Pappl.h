@@ -1,6 +1,6 @@
 #pragma once
 
-// The framework's C headers violate warnings that are errors in this project.
+// The framework's C headers cause warnings, which are errors in this project.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wpedantic"
 #pragma GCC diagnostic ignored "-Wold-style-cast"

@@ -5,7 +5,7 @@
 
 namespace quordalvane::printer_app {
 
-/// Shows in `printer-state-reasons` the state in which a job has left the printer.
+/// Shows in `printer-state-reasons` the state of the printer after a job with this result.
 void showReasons(pappl_printer_t* printer, const PrintResult& result);
 
 /// Asks an idle printer for its status, at most every two seconds, and shows it in

@@ -17,10 +17,11 @@ bool saveState(pappl_system_t* system, const std::filesystem::path& file);
 void saveChangedJobs(pappl_system_t* system, const std::filesystem::path& file);
 
 /// Prepares the file in which the framework has saved its printers and jobs. To be called before
-/// the framework loads the file. A job that was being printed when the process ended, or was held
-/// for its turn, would keep that state for ever. This function lets such jobs wait again; the
-/// journal then decides about them. A job that a user held remains held. Does nothing if the file
-/// does not exist. Throws std::system_error if it cannot be written.
+/// the framework loads the file. The framework would never continue a job that was being printed
+/// when the process ended, or that was held because another job was to be printed first. This
+/// function changes the state of such jobs to waiting. The journal later decides whether they are
+/// printed. A job that a user held remains held. Does nothing if the file does not exist. Throws
+/// std::system_error if the file cannot be written.
 void letJobsWaitAgain(const std::filesystem::path& file);
 
 }  // namespace quordalvane::printer_app
