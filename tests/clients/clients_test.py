@@ -1,4 +1,4 @@
-"""Client libraries from the npm registry print to the virtual printer as if it were a printer.
+"""Client libraries from the npm registry print to the virtual printer as they would to a real printer.
 
 Usage: clients_test.py FOLDER. The libraries, each of one version, are installed into FOLDER. Without npm or
 without the registry the test is skipped, and says so.

@@ -50,8 +50,8 @@ void DescriptorPeer::closeWriting() {
 }
 
 void DescriptorPeer::reset() {
-  // With this option a network socket resets the connection; a local socket does so if bytes are
-  // unread.
+  // With this option a network socket resets the connection; a local socket does so only if the
+  // device has unread bytes.
   const linger abrupt{.l_onoff = 1, .l_linger = 0};
   ASSERT_EQ(::setsockopt(number_, SOL_SOCKET, SO_LINGER, &abrupt, sizeof abrupt), 0);
   close();

@@ -9,7 +9,7 @@
 
 namespace quordalvane::contract {
 
-inline constexpr double generously = 10;  // seconds; only a failing test waits so long
+inline constexpr double generously = 10;  // seconds; only a test that fails waits so long
 
 /// A session on one kind of link; the test controls the device's end. Each back end instantiates
 /// the suite with its own kinds of links.

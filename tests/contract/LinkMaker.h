@@ -20,13 +20,13 @@ class Peer {
  public:
   virtual ~Peer() = default;
 
-  /// Sends all of `bytes`, which must be few enough for the link to hold.
+  /// Sends all of `bytes`. They must fit into the buffers of the link.
   virtual void write(const Bytes& bytes) = 0;
 
   /// Sends one byte, even if nobody reads it.
   virtual void say(std::uint8_t byte) = 0;
 
-  /// Takes `count` bytes, or as many as arrive before the link ends or a generous time has passed.
+  /// Takes and returns `count` bytes, or fewer if the link ends or a generous time passes first.
   virtual Bytes read(std::size_t count) = 0;
 
   /// Takes no more bytes until the next `read`.
@@ -45,12 +45,12 @@ class Peer {
 /// Abilities that only some kinds of links have.
 struct LinkTraits {
   bool takesEveryByte = true;    ///< the device executes no byte as a command
-  bool keepsUnreadBytes = true;  ///< bytes that arrived before the end can be read after it
+  bool keepsUnreadBytes = true;  ///< earlier bytes can be read after the link's end
   bool closesOneWay = true;
   bool resets = true;
   bool linksAnew = true;         ///< each session makes a new link
   bool standsSideBySide = true;  ///< a new session does not end the session before it
-  bool knowsWhatIsOwed = true;   ///< the link knows when no reply is on its way
+  bool knowsWhatIsOwed = true;   ///< the link knows if a reply is still to be expected
   bool endsForTheDevice = true;  ///< the device learns of the end of a session
 };
 

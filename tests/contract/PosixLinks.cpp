@@ -13,7 +13,7 @@
 #include "tests/support/PseudoTerminal.h"
 #include "tests/support/TemporaryFolder.h"
 
-// The links of the POSIX back end; this process has both ends of each.
+// Tests the links of the POSIX back end. Both ends of each link are in this process.
 namespace quordalvane::contract {
 namespace {
 

@@ -5,7 +5,7 @@
 #include "tests/contract/LinkContract.h"
 #include "tests/support/VirtualPlatform.h"
 
-// The link to the printer in this process, under virtual time.
+// Tests the link to a virtual printer in this process, in virtual time.
 namespace quordalvane::contract {
 namespace {
 
@@ -14,8 +14,8 @@ using simulator::Instant;
 using simulator::VirtualPrinter;
 using virtuals::VirtualAccessory;
 
-/// The printer as the device of a link: while it is off line it takes no bytes; the bytes that it
-/// printed count as read.
+/// The virtual printer as the device of a link. It reads bytes by printing them. While it is off
+/// line, it takes no bytes.
 class VirtualPeer : public Peer {
  public:
   explicit VirtualPeer(std::shared_ptr<VirtualAccessory> accessory)

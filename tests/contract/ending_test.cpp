@@ -5,8 +5,8 @@
 namespace quordalvane::contract {
 namespace {
 
-/// Seconds that the end of a session may take if it does not wait; a session that waits for a
-/// silent device ends after two seconds.
+/// Seconds. A session that does not wait for its device ends in less time. A session that waits for
+/// a silent device ends after two seconds.
 constexpr double instantly = 1.9;
 
 TEST_P(LinkContract, ALinkClosedByTheDeviceIsLostAndHasNoBytes) {

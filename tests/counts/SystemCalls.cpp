@@ -35,8 +35,8 @@ bool isStopped(pid_t child) {
   return ::waitpid(child, &state, 0) == child && WIFSTOPPED(state);
 }
 
-/// The number of the call that the stopped process is about to make; empty if the process has
-/// stopped for another reason.
+/// Returns the number of the call that the stopped process is about to make. Returns empty if the
+/// process has stopped for another reason.
 std::optional<long> callBegun(pid_t child) {
   __ptrace_syscall_info info{};
   ::ptrace(PTRACE_GET_SYSCALL_INFO, child, asPointer(sizeof info), &info);

@@ -20,9 +20,8 @@
 #include "bench/OpenPort.h"
 #include "bench/Peer.h"
 
-// The system calls of a port for one exchange. Only ticks of the system's clock change these
-// counts, each by a call or two. So these tests notice a program that makes a hundred calls instead
-// of three.
+// The system calls of a port for one exchange. A tick of the system's clock adds a call or two to
+// these counts; nothing else changes them.
 
 namespace quordalvane {
 namespace {
@@ -62,9 +61,8 @@ std::size_t exchangeCallsIn(const SystemCalls& calls) {
   return count;
 }
 
-/// The system calls of one status. If the system's clock has ticked meanwhile, as on a busy
-/// machine, the port checks an idle line again. The clock does not tick during the shortest of many
-/// exchanges.
+/// Returns the system calls of one status request. If the system's clock ticks during the request,
+/// the port checks an idle line again. So the result is the request with the fewest calls of many.
 std::optional<SystemCalls> callsOfAStatus(AnsweredPort& answered) {
   constexpr int exchanges = 20;
   auto fewest = systemCallsOf([&] { answered.port.getStatus(); });
@@ -123,7 +121,7 @@ TEST(SystemCalls, AnEscPosStatusSendsItsCommandsInFourCalls) {
   EXPECT_LE(exchangeCallsIn(*calls), 16U);
 }
 
-/// Waits until the system of the other side has received all bytes that were sent.
+/// Waits until all sent bytes have arrived in the receive buffer of the other side.
 void awaitArrival(int socket) {
   for (int underWay = 1; underWay > 0;) {
     std::this_thread::yield();

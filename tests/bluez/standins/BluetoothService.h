@@ -39,7 +39,7 @@ struct StandInPlan {
   Connecting connecting = Connecting::InOrder;
   std::string errorName = "org.bluez.Error.Failed";
   std::string errorText = "Host is down (112)";
-  int profilesTaken = 0;  ///< number of registrations that are refused at first
+  int profilesTaken = 0;  ///< how many registrations are refused before one is accepted
 
   /// Makes a connection, and returns the end that the stand-in hands to the program.
   std::function<int()> connect = nullptr;

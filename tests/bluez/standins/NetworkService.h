@@ -10,7 +10,7 @@
 
 namespace quordalvane::test {
 
-/// A service of the network as the stand-in announces it.
+/// A network service that the stand-in announces.
 struct StandInAnnouncement {
   std::string name = "Bar";
   std::string address = "192.0.2.10";  ///< "": the name is never resolved

@@ -8,7 +8,8 @@
 
 namespace quordalvane::test {
 
-/// A message bus of this test's own, which replaces the system's bus as long as this object exists.
+/// A message bus that only this test uses. It replaces the system's bus as long as this object
+/// exists.
 class PrivateBus {
  public:
   PrivateBus();
