@@ -26,7 +26,7 @@ LENGTH = 0.8  # seconds of a job, from its beginning to its end
 
 
 class Lane:
-    """A scheduler, a queue and a printer, on which one case after another is tried."""
+    """A scheduler, a queue and a printer. Cases are tried on them, one after another."""
 
     def __init__(self, policy: str, back_end: str, program: Path):
         self.folder = tempfile.TemporaryDirectory()
@@ -76,7 +76,7 @@ class Lane:
                     continue  # the process has just ended
 
     def state(self, job: int) -> str | None:
-        """The state of the job, if only a person can change it now; null otherwise."""
+        """The state of the job if only a person can change this state now; otherwise null."""
         state = self.scheduler.state(job)
         if self.back_ends():
             return None

@@ -15,13 +15,13 @@ class DocumentCase(QueueCase):
         self.printer = self.simulator("tcp:0", "--receipts", str(self.receipts))
 
     def filtered_queue(self, name: str = "till") -> str:
-        """A queue whose jobs pass a filter: the back end gets them through a pipe."""
+        """A queue with a filter. The back end receives the jobs of such a queue through a pipe."""
         place = self.printer.place.removeprefix("tcp:")
         self.scheduler.add_queue(name, f"quor:/tcp/{place}", driver=DRIVER)
         return name
 
     def paper(self) -> str:
-        """Ends the printer, and returns the text of all its paper, in order."""
+        """Ends the printer. Returns the text of all its receipts, in order."""
         self.printer.control({"quit": True})
         self.printer.process.wait()
         return "".join(receipt.read_text() for receipt in sorted(self.receipts.glob("*.txt")))

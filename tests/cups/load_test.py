@@ -1,4 +1,4 @@
-"""Eight clients print on four queues; the printer of each queue fails now and then.
+"""Eight clients print on four queues. The printer of each queue fails now and then.
 
 QUOR_QUEUE_JOBS is the number of jobs; 200 at night.
 """
@@ -41,7 +41,7 @@ class Weather:
 
 class Load(QueueCase):
     def print_all(self, queues: list[str]) -> dict[int, tuple[str, str]]:
-        """Which queue each job is for, and what is on its receipt."""
+        """The queue of each job, and the text of its receipt."""
         jobs, numbers = {}, itertools.count(1)
         lock = threading.Lock()
 

@@ -163,7 +163,8 @@ class Unconfirmed(QueueCase):
     def test_a_held_job_can_be_released_after_the_scheduler_restarts(self):
         printer = self.simulator()
         job = self.unconfirmed(printer, self.queue(printer))
-        # The scheduler's record must be newer than the journal's record, see isReleased.
+        # A released job is recognised only if the scheduler's record is newer than the journal's record: see
+        # isReleased.
         time.sleep(1.1)
         self.scheduler.end()
         self.scheduler.start()

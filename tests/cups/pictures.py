@@ -1,4 +1,4 @@
-"""Pictures of paper, compared by the places of their ink and not dot by dot."""
+"""Compares pictures of paper by the distribution of their ink, not dot by dot."""
 
 import re
 import struct

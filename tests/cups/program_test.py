@@ -1,4 +1,4 @@
-"""The back end as the scheduler starts it, without a scheduler: arguments, environment, exit code and descriptors."""
+"""The back end is started as a scheduler would start it: its arguments, environment, exit code and descriptors."""
 
 import select
 import socket

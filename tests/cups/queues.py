@@ -30,7 +30,7 @@ def least(measure: Callable[[], float], limit: float) -> float:
 
 
 class QueueCase(Case):
-    """`self.scheduler` runs, and no queue is there yet."""
+    """`self.scheduler` runs, and has no queue yet."""
 
     back_ends = {"quor": QUOR}
 
@@ -41,7 +41,7 @@ class QueueCase(Case):
         self.addCleanup(self.end_scheduler)
 
     def end_scheduler(self):
-        """A failure shows the scheduler's log."""
+        """Ends the scheduler. Copies its log to the file that QUOR_CUPS_LOG names, if this variable is set."""
         self.scheduler.end()
         if (log := os.environ.get("QUOR_CUPS_LOG")) is not None:
             shutil.copy(self.scheduler.folder / "error_log", log)
