@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// The accessory service that replaces the device's accessory service in these tests. Each session
-// of an accessory has a connected socket of its own.
+// A stand-in for the device's accessory service. Each session of an accessory has a connected
+// socket of its own.
 
 namespace quordalvane::test {
 
@@ -25,8 +25,8 @@ void plugIn(PluggedAccessory accessory);
 /// Removes the accessory from the service.
 void unplug();
 
-/// With true, the service throws an exception of the framework at every question; with false, it
-/// answers again.
+/// If the argument is true, every call of the service throws an exception of the framework. If it
+/// is false, the service answers again.
 void letServiceRaise(bool raises);
 
 }  // namespace quordalvane::test

@@ -7,8 +7,8 @@
 
 namespace quordalvane::test {
 
-/// One end of a connected pair of sockets, as the streams and the accessory of a session share it.
-/// All calls may be made from any thread; no call blocks.
+/// One end of a connected pair of sockets. The streams and the accessory of a session share it. All
+/// calls may be made from any thread, and no call blocks.
 class SocketLink {
  public:
   /// Takes over `number`.

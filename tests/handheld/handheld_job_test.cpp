@@ -1,5 +1,5 @@
-// Ports and jobs over the framework's own threads and loops, with a virtual printer at the other
-// end.
+// Ports and jobs on the threads and run loops of the real framework. A virtual printer is at the
+// other end of the link.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,7 +32,8 @@ std::shared_ptr<ExternalAccessoryPort> portOn(std::shared_ptr<Platform> platform
   return ExternalAccessoryPort::initWithPortName("BT:", "", 10000, emulation, std::move(platform));
 }
 
-/// The answers are so late that the port waits for each of them; so no race changes the records.
+/// The answers are so late that the port always waits for them. So the log records are the same in
+/// each run.
 simulator::PrinterBuilder lateAnswers() {
   return simulator::PrinterBuilder().fault("late-reply", "20");
 }
@@ -53,7 +54,8 @@ class HandheldJob : public testing::TestWithParam<ZKEmulation> {
     return result.outcome;
   }
 
-  /// The records of one job on the platform, with blanks for addresses.
+  /// The log records of one job on the platform. Addresses are replaced, because they differ from
+  /// run to run.
   std::vector<std::string> recordsOf(const std::shared_ptr<Platform>& platform);
 
   ServedPrinter printer{lateAnswers()};
@@ -71,7 +73,7 @@ TEST_P(HandheldJob, IsPrintedFromAnotherThread) {
   EXPECT_EQ(printer.printed(), bytesOf(receipt));
 }
 
-/// The records of the run, with blanks for addresses, which differ from run to run.
+/// Returns the captured log records with `<address>` in place of each address.
 std::vector<std::string> recordsWithoutAddresses() {
   static const std::regex address("0x[0-9a-f]+");
   std::vector<std::string> lines;

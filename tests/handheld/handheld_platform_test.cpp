@@ -1,4 +1,5 @@
-// The platform over the framework's own threads, loops and accessory service.
+// The handheld platform on the framework's threads and run loops, with a stand-in for the accessory
+// service.
 
 #include "backends/handheld/HandheldPlatform.h"
 

@@ -50,7 +50,7 @@ def free_port() -> str:
 
 
 def pieces(block: str) -> list[tuple[str, str]]:
-    """The commands and the output of each."""
+    """The commands of a block, each with its output."""
     parts = re.split(r"^\$ (.*)\n", block, flags=re.M)
     assert parts[0] == "", f"output before the first command: {parts[0]}"
     return list(zip(parts[1::2], parts[2::2]))

@@ -18,7 +18,7 @@ DEADLINE = 30  # seconds; far beyond the time of any test here
 
 
 class Program:
-    """A running program, whose output is read line by line. It is killed when the test ends, or earlier by `end`."""
+    """A running program, whose output is read line by line. It is killed by `end` or when the test ends."""
 
     def __init__(self, test: unittest.TestCase, *command):
         self.process = subprocess.Popen(
