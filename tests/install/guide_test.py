@@ -82,7 +82,7 @@ def pattern(text: str) -> str:
 @unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "a reader's program does not fit a library with a sanitizer")
 class Guides(ProgramTest):
     def run_block(self, block: str, program: str):
-        """Runs the block in a folder and at a port of its own; `program` is the page's C++ program."""
+        """Runs the block in a new folder and with free ports. `program` is the page's C++ program."""
         folder = Path(tempfile.mkdtemp(dir=self.folder))
         (folder / "examples").symlink_to(SOURCES / "examples")
         (folder / "docs").symlink_to(SOURCES / "docs")
