@@ -1,6 +1,6 @@
-"""The parts of the product that are broken on purpose, each with the test programs that must notice.
+"""The areas of the product that are broken on purpose, each with the test programs that must notice this.
 
-An area's programs are run in order, the quickest first, and their cases are few: each mutant runs them all.
+The programs of an area run in order, the quickest first. They have few cases, because each mutant runs them until one fails.
 """
 
 import re
@@ -44,7 +44,7 @@ AREAS = (
          ("unit_discovery_tests", "bluez_tests PrinterSearch.*"), waits=True),
     Area("c-interface", ("c-interface/*.cpp",), ("tests/unit/c-interface", "tests/c-interface"),
          ("unit_c-interface_tests", "c_interface_tests")),
-    # The virtual printer's answers and their times; its drawings are compared elsewhere.
+    # Only the virtual printer's answers and their times; other tests compare its drawings.
     Area("replies", tuple(f"simulator/{name}.cpp" for name in
                           ("StatusReplies", "ReplyPath", "BluetoothModule", "PrinterLink", "CommandScanner", "Reception")),
          ("tests/unit/simulator",),

@@ -1,4 +1,4 @@
-"""Chosen places of the product are broken on purpose, one at a time: the ordinary tests must notice each break.
+"""Breaks chosen lines of the product on purpose, one at a time. The ordinary tests must notice each break.
 
 Prints a row for each break: its name, the place, and the first test that failed. Fails if a break is not noticed.
 """

@@ -27,7 +27,7 @@ ENOUGH, ENOUGH_OF_A_ROOM = 0.98, 0.95
 REPLIES = {file.relative_to(areas.ROOT) for file in areas.area("replies").files()}
 PROGRAMS = ("unit_parsers", "unit_port", "unit_job", "unit_text", "unit_logging", "trace", "faults", "simulation", "lifecycle",
             "unit_posix", "unit_backends", "contract", "unit_c-interface", "unit_simulator")
-SENTENCES = "c_interface_tests"  # each in a process of its own
+SENTENCES = "c_interface_tests"  # each test of this program is run in a process of its own
 SIZES = {"QUOR_SCRIPTS": "20000", "QUOR_SIMULATED_JOBS": "4000",
          "QUOR_PORT_CYCLES": "500", "QUOR_PORT_RELEASES": "200"}
 
@@ -80,7 +80,7 @@ def room_of(path: Path) -> str | None:
 
 
 def branches(file: dict) -> dict[tuple[int, int], list[int]]:
-    """How often each condition was true and false, by its place; all instances of a template together."""
+    """How often each condition was true, and how often false, by its line and column. Adds up a template's instances."""
     found: dict[tuple[int, int], list[int]] = {}
     for line, column, _, _, taken, not_taken, *_ in file["branches"]:
         counts = found.setdefault((line, column), [0, 0])

@@ -27,7 +27,7 @@ import scratch
 from ledger import Ledger, digest_of_texts
 
 ENOUGH = 0.95
-AT_ONCE = 40  # mutants of one file follow each other within a batch
+AT_ONCE = 40  # the size of a batch; within a batch, the mutants of a file follow each other
 
 # The replacements. The blanks around an operator exclude templates, arrows and includes. The pattern of + excludes
 # string literals, because a - in place of this + does not compile.
@@ -53,7 +53,7 @@ OPERATORS = (
     (r"\bbreak;", "continue;"),
     (r"\b(?<![.\w])([0-9]+)(?![.\w])", lambda number: str(int(number.group()) + 1)),
     (r"\b0x[0-9a-f]{2}\b", lambda number: f"0x{int(number.group(), 16) ^ 1:02x}"),
-    # A statement alone on its line: a call whose result is not used.
+    # Deletes a call whose result is not used, if the call is the whole line.
     (r"(?m)^ +(?!return|throw|const|auto|QUOR_LOG)[\w.>:-]+\([^;{}]*\);$", ""),
 )
 
@@ -116,7 +116,7 @@ def explanations() -> dict[str, Explanation]:
 
 
 def body_of(test: str, sources: str) -> str:
-    """The source text of the named test, of any kind; empty if it is not found."""
+    """The source text of the test with this name, in C++ or C; empty if there is no such test."""
     named = re.fullmatch(r"(?:\w+/)?(?:(\w+)\.)?(\w+)(?:/\w+)?", test)
     head = named and (rf"TEST(?:_F|_P)?\({named[1]},\s+{named[2]}\)" if named[1] else rf"static void {named[2]}\(void\)")
     found = head and re.search(rf"^{head} \{{.*?^\}}", sources, re.M | re.S)

@@ -39,7 +39,7 @@ def state_of_sources() -> str:
 
 
 def run(row: Row, size: str, ledger: Ledger, state: str) -> dict[str, dict]:
-    """Runs the missing units; returns all units that are done."""
+    """Runs the units that are not done yet, and returns all units that are done."""
     units, done = [unit for step in row.steps for unit in step.units(size)], ledger.of(row.key, state)
     for unit in units:
         if Clock.is_over():

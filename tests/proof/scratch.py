@@ -1,4 +1,4 @@
-"""A second copy of the tree in which a source is broken on purpose, built and tested."""
+"""Builds and tests a second copy of the tree, in which a source is broken on purpose."""
 
 import os
 import re
@@ -106,7 +106,7 @@ def ended(program: Path, environment: dict[str, str], *arguments: str) -> str | 
 
 
 def run_sentences(program: str, _waits: bool) -> str | None:
-    """The tests in C."""
+    """Runs the tests in C. Returns the name of the first test that fails, or None."""
     names = sentences(TREE)
     with ThreadPoolExecutor(SHARDS) as pool:
         answers = pool.map(lambda name: ended(BUILD / "bin" / program, {}, name) and name, names)

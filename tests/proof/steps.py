@@ -17,7 +17,7 @@ CORES = os.cpu_count() or 1
 
 
 class Failed(Exception):
-    """The output of a program that failed."""
+    """A program failed or ran no case. The exception holds the command, and the output of a program that failed."""
 
 
 class Stopped(Exception):
@@ -98,7 +98,7 @@ def plainly(unit: Unit) -> tuple[int, list[str]]:
 
 
 def fuzzing(unit: Unit) -> tuple[int, list[str]]:
-    """The fuzzing engine counts the inputs of each target."""
+    """Runs the fuzzing engine, and adds up the inputs that it counts for each target."""
     lines = execute(unit.command, unit.environment).strip().splitlines()
     return sum(int(match.group(1)) for line in lines if (match := re.search(r": (\d+) inputs", line))), lines
 
