@@ -62,7 +62,8 @@ class Reader {
     }
     const unsigned perByte = 8 / depth_;
     const unsigned shift = 8 - depth_ * (x % perByte + 1);
-    const unsigned index = file_[row + x / perByte] >> shift & ((1U << depth_) - 1);
+    const unsigned dots = file_[row + x / perByte];
+    const unsigned index = dots >> shift & ((1U << depth_) - 1);
     const std::size_t colour = palette_ + std::size_t{4} * index;
     return colour + 4 <= dots_ && isDarkColour(colour);
   }
