@@ -28,7 +28,7 @@ const Buffer& usable(const Buffer& buffer) {
   return buffer;
 }
 
-void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer) {
+void copyBytes(ByteView bytes, const Buffer& buffer) {
   copy(bytes.data(), bytes.size(), bytes.size(), buffer);
 }
 

@@ -3,11 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "c-interface/Failures.h"
+#include "job/ByteView.h"
 
 // The library copies texts and bytes from the caller's buffers and into the caller's buffers.
 
@@ -27,7 +27,7 @@ const Buffer& usable(const Buffer& buffer);
 
 /// Copies the bytes into the buffer and stores their number. If the buffer is too small, stores
 /// only the number and throws QUOR_BUFFER_TOO_SMALL.
-void copyBytes(std::span<const std::uint8_t> bytes, const Buffer& buffer);
+void copyBytes(ByteView bytes, const Buffer& buffer);
 
 /// Copies `text` and a NUL, as `copyBytes` does. If `text` is null, stores the length 0 and returns
 /// QUOR_NONE.

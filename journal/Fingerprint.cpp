@@ -4,7 +4,7 @@
 
 namespace quordalvane {
 
-Fingerprint fingerprintOf(std::span<const std::uint8_t> data) {
+Fingerprint fingerprintOf(ByteView data) {
   Sha256 hash;
   hash.add(data);
   const auto digest = hash.digest();

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
+
+#include "job/ByteView.h"
 
 namespace quordalvane {
 
@@ -15,6 +16,6 @@ struct Fingerprint {
   bool operator==(const Fingerprint&) const = default;
 };
 
-Fingerprint fingerprintOf(std::span<const std::uint8_t> data);
+Fingerprint fingerprintOf(ByteView data);
 
 }  // namespace quordalvane

@@ -48,7 +48,7 @@ PrintResult printed(const Attempt& attempt) {
 
 }  // namespace
 
-NamedJob::NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data)
+NamedJob::NamedJob(Journal& journal, NamedJobRequest request, ByteView data)
     : journal_(journal),
       request_(std::move(request)),
       data_(data),

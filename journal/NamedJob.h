@@ -5,11 +5,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 
 #include <quordalvane/QuorExport.h>
 
+#include "job/ByteView.h"
 #include "job/PrintJob.h"
 #include "journal/Journal.h"
 #include "locks/ByteLock.h"
@@ -80,7 +80,7 @@ class QUOR_EXPORT NamedJob {
   /// time-out in `request`. Throws `std::invalid_argument`, with a message for people, if the name
   /// is invalid or the journal has a job of this name with other data (length or SHA-256). Throws
   /// `JournalError` if the journal cannot be read or locked. Nothing is sent or recorded here.
-  NamedJob(Journal& journal, NamedJobRequest request, std::span<const std::uint8_t> data);
+  NamedJob(Journal& journal, NamedJobRequest request, ByteView data);
 
   ~NamedJob();
   NamedJob(const NamedJob&) = delete;
@@ -125,7 +125,7 @@ class QUOR_EXPORT NamedJob {
 
   Journal& journal_;
   const NamedJobRequest request_;
-  const std::span<const std::uint8_t> data_;
+  const ByteView data_;
   std::optional<ByteLock> lock_;
   std::unique_ptr<Attempt> attempt_;
   std::int64_t refused_ = 0;  // number of the previous attempt, if it sent no byte of the job

@@ -1,9 +1,9 @@
 #include "journal/Seal.h"
 
 #include <cstring>
-#include <span>
 #include <string_view>
 
+#include "job/ByteView.h"
 #include "journal/JournalError.h"
 #include "journal/Rows.h"
 #include "journal/Sha256.h"
@@ -11,7 +11,7 @@
 namespace quordalvane {
 namespace {
 
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
+ByteView bytesOf(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 

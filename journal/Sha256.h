@@ -4,7 +4,8 @@
 
 #include <array>
 #include <cstdint>
-#include <span>
+
+#include "job/ByteView.h"
 
 namespace quordalvane {
 
@@ -15,9 +16,7 @@ class Sha256 {
 
   Sha256() { sha256_init(&state_); }
 
-  void add(std::span<const std::uint8_t> bytes) {
-    sha256_update(&state_, bytes.size(), bytes.data());
-  }
+  void add(ByteView bytes) { sha256_update(&state_, bytes.size(), bytes.data()); }
 
   /// Returns the digest of all added bytes. Afterwards the object is as if newly created.
   Digest digest() {

@@ -35,8 +35,8 @@ Journal openJournal(const PrintOptions& options) {
 }  // namespace
 
 struct NamedPrinting::Recording {
-  Recording(const Options& options, const NamedJobRequest& request,
-            std::span<const std::uint8_t> data, const Streams& where)
+  Recording(const Options& options, const NamedJobRequest& request, ByteView data,
+            const Streams& where)
       : streams(where),
         name(request.name),
         journal(openJournal(options.print)),
@@ -49,8 +49,8 @@ struct NamedPrinting::Recording {
   std::optional<NamedJobResult> result;
 };
 
-NamedPrinting::NamedPrinting(const Options& options, const std::string& device,
-                             std::span<const std::uint8_t> data, const Surroundings& surroundings)
+NamedPrinting::NamedPrinting(const Options& options, const std::string& device, ByteView data,
+                             const Surroundings& surroundings)
     : recording_(told([&] {
         const NamedJobRequest request{.name = options.print.job.value_or(""),
                                       .device = device,

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 
+#include "job/ByteView.h"
 #include "job/PrintJob.h"
 #include "tools/quorport/Commands.h"
 
@@ -18,8 +18,8 @@ class NamedPrinting {
   /// Opens the journal and reserves the name. Waits if another process prints the job of this name.
   /// Throws a CommandFailure: with ExitCode::Usage if the name is invalid or belongs to other data,
   /// with ExitCode::NoJournal if the journal cannot be used.
-  NamedPrinting(const Options& options, const std::string& device,
-                std::span<const std::uint8_t> data, const Surroundings& surroundings);
+  NamedPrinting(const Options& options, const std::string& device, ByteView data,
+                const Surroundings& surroundings);
   ~NamedPrinting();
   NamedPrinting(const NamedPrinting&) = delete;
   NamedPrinting& operator=(const NamedPrinting&) = delete;

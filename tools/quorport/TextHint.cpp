@@ -28,7 +28,7 @@ bool isTextBeyondAscii(std::string_view text) {
 
 }  // namespace
 
-void hintAtText(std::span<const std::uint8_t> job, const Streams& streams) {
+void hintAtText(ByteView job, const Streams& streams) {
   if (isTextBeyondAscii({reinterpret_cast<const char*>(job.data()), job.size()})) {
     complain(
         "the file is text in UTF-8, and most printers print other characters for its bytes; "

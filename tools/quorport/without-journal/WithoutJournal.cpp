@@ -18,8 +18,7 @@ namespace {
 struct NamedPrinting::Recording {};
 
 NamedPrinting::NamedPrinting(const Options& /*options*/, const std::string& /*device*/,
-                             std::span<const std::uint8_t> /*data*/,
-                             const Surroundings& /*surroundings*/) {
+                             ByteView /*data*/, const Surroundings& /*surroundings*/) {
   refuseJournal();
 }
 
