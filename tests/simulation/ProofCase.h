@@ -20,7 +20,7 @@ struct Receipt {
 struct ProofCase {
   Case common;
   std::string gives;                        ///< the proofs that the printer gives
-  std::optional<ByteBuffer> ofAnotherHost;  ///< still in the printer when the port opens
+  std::optional<ByteBuffer> ofAnotherHost;  ///< data that another host left in the printer
   std::vector<Receipt> receipts;
 
   /// Nothing goes wrong, and every time-out is long enough, so every job must be confirmed.

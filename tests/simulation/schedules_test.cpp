@@ -84,8 +84,8 @@ std::vector<Fault> everyFault(ProofKind proof) {
   return all;
 }
 
-/// Two false bytes that look like in-order answers: no count can distinguish them from true
-/// answers.
+/// Whether each of the two faults adds a byte that looks like an in-order answer. No count can
+/// distinguish two such bytes from true answers.
 bool isBeyondACount(const Fault& one, const Fault& other) {
   return one.second.starts_with("00@") && other.second.starts_with("00@");
 }
