@@ -25,8 +25,8 @@ enum class PlatformCall {
   Other
 };
 
-/// One way in which a platform can fail. Each names the calls that it affects and overrides their
-/// results; all others are passed on to the platform.
+/// One way in which a platform can fail. A fault names the calls that it affects, and overrides
+/// their results. All other calls are passed on to the platform.
 class Fault {
  public:
   explicit Fault(std::string name) : name_(std::move(name)) {}

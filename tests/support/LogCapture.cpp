@@ -37,7 +37,7 @@ LogCapture::LogCapture() : sink_(std::make_shared<Sink>()) {
 }
 
 LogCapture& LogCapture::instance() {
-  static auto& capture = *new LogCapture;  // never destroyed: port threads may log to the very end
+  static auto& capture = *new LogCapture;  // never destroyed: a port thread may log at exit
   return capture;
 }
 

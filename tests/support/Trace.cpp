@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view methodBegin = "-[ExternalAccessoryPort ";
 
-/// The selector of a port's method; any other name is not shortened.
+/// The selector of a method of the port. Any other name is returned unchanged.
 std::string selectorOf(const std::string& method) {
   if (!method.starts_with(methodBegin) || !method.ends_with("]")) {
     return method;
@@ -98,7 +98,7 @@ void Trace::clear() {
 }
 
 std::string Trace::withNames(std::string_view message) const {
-  constexpr std::uint64_t leastAddress = 0x10000;  // a smaller number is part of a text
+  constexpr std::uint64_t leastAddress = 0x10000;  // a smaller number is not an address
   std::string result;
   while (true) {
     const std::size_t place = message.find("0x");
