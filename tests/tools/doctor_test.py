@@ -21,7 +21,7 @@ NOISE = b"\x05\xff\x1b\x80\x00"  # arrives if the speeds differ; its first byte 
 
 
 class SerialPrinter:
-    """A printer on a serial line that understands one speed, and sends noise at any other."""
+    """A serial printer that understands one speed, and answers with noise at any other speed."""
 
     def __init__(self, speed: int):
         self.speed = speed
@@ -45,7 +45,7 @@ class SerialPrinter:
 
     def close(self):
         os.close(self.line)
-        self.thread.join()  # the read fails when no program has the line open
+        self.thread.join()  # the thread's read fails when no program has the line open
         os.close(self.master)
 
 

@@ -178,7 +178,7 @@ class Signals(Case):
         return bool(blocked & 1 << (signal.SIGINT - 1))
 
     def test_a_signal_during_the_reading_of_arguments_does_not_suppress_the_outcome(self):
-        """The command needs a while to read very many arguments; the test tries to interrupt it then."""
+        """The command needs a while to read very many arguments. The test tries to interrupt it during this time."""
         place, job = self.silent_place(), self.file("job", b"text\n")
         for _ in range(5):
             process = start("-d", place, "print", job, *["--json"] * 10_000)

@@ -177,7 +177,7 @@ class HostConnections(Case):
                     return sum(map(int, file.read().rsplit(")", 1)[1].split()[11:13]))
 
             before = ticks()
-            select.select([], [], [], 1)  # the second during which the test measures
+            select.select([], [], [], 1)  # the test measures the processor time of this second
             self.assertLess(ticks() - before, os.sysconf("SC_CLK_TCK") // 4)
 
 

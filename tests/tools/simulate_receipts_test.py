@@ -39,7 +39,7 @@ class Watched:
 
 class ReceiptFiles(Case):
     def names(self):
-        """The texts and pictures, without the files that are still being written."""
+        """The names of the text and picture files, without files that are still being written."""
         folder = self.folder / "out"
         return sorted(name for name in os.listdir(folder) if not name.endswith((".json", ".part"))) if folder.exists() else []
 

@@ -24,7 +24,7 @@ class WebRequestsOfOthers(BrowserCase):
         self.simulator_, self.browser = self.open()
 
     def refused(self, path: str = "api/printers", method: str = "GET", **headers: str):
-        """The request is refused, and nothing of the answer can be read by another page."""
+        """Asserts that the request is refused, and that another page cannot read the answer."""
         body = b'{"set": {"coverOpen": true}}' if method == "POST" else None
         answer = self.browser.ask(path, method, body, **headers)
         self.assertEqual(answer.status, 403, (path, headers))
