@@ -58,7 +58,7 @@ class Till {
   explicit Till(ZKEmulation emulation)
       : Till(simulator::PrinterBuilder(), {.emulation = emulation}) {}
 
-  /// Sets a flag of the printer `delay` from now, in the middle of any wait.
+  /// Sets a flag of the printer after `delay`, even during a wait.
   void after(std::chrono::milliseconds delay, std::string_view flag, bool value) {
     at(delay, [this, flag, value] { set(flag, value); });
   }
@@ -74,14 +74,14 @@ class Till {
     });
   }
 
-  /// Opens the port again, over a link with these faults.
+  /// Closes the port, and opens it again on a link with these faults.
   void reopenWith(simulator::Faults faults) {
     port->close();
     accessory->setFaults(std::move(faults));
     port->open();
   }
 
-  /// Prints by the checked block.
+  /// Prints a job with the checked block as its proof.
   PrintResult print(const ByteBuffer& data) {
     return PrintJob(port, {.proof = ProofKind::Block}).run(data);
   }

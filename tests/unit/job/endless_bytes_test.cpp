@@ -35,7 +35,8 @@ constexpr const char* patterns[] = {
     signInEscPos,
 };
 
-/// A byte of the pattern every 30 ms, for longer than any operation may take.
+/// The bytes of the pattern again and again, one every 30 ms, for longer than any operation may
+/// take.
 test::Reply chatter(const char* pattern) {
   const test::Bytes all = bytes(pattern);
   test::Reply pieces;

@@ -115,7 +115,8 @@ TEST(PrinterInquiry, WaitsForTheRestOfAFirstAnswerInPieces) {
   Script script;
   const test::Bytes head(offLine.begin(), offLine.begin() + 1);
   const test::Bytes rest(offLine.begin() + 1, offLine.end());
-  // If only the length is checked, the rest of the first answer looks like an on-line status.
+  // If only the length were checked, the rest of the first answer would look like an on-line
+  // status.
   script.whenAsked(statusRequest, {{head, 0.0}, {rest, 0.15}});
   script.wheneverAsked(statusRequest, {{offLine, 0.0}});
   Asked asked(script);

@@ -44,7 +44,7 @@ class JournalCase : public testing::Test {
   }
 };
 
-/// The text of the error that a function throws; "" if it throws none.
+/// The text of the error that a function throws; "" if it throws no such error.
 template <typename Error>
 std::string errorOf(const std::function<void()>& action) {
   try {
