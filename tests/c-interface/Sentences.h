@@ -14,9 +14,9 @@ typedef struct Sentence {
 #define SENTENCE(name) \
   { #name, name }
 
-/* Runs the test that the only argument names, which is in one of `count` tables, and returns the
- * exit status. A function that is missing from the table of its file is unused, and does not
- * compile. Each table ends with an empty Sentence. */
+/* Runs the test that the only argument names, and returns the exit status. The test is in one of
+ * `count` tables, each of which ends with an empty Sentence. If a test is missing from the table of
+ * its file, the file does not compile, because the function is unused. */
 int proveSentence(int argc, char** argv, const Sentence* const* tables, size_t count);
 
 /* Counts and reports a failure unless the condition holds. */
@@ -33,10 +33,10 @@ void requireThat(bool holds, const char* condition, const char* file, int line);
 void expectFailure(QuorCode answer, QuorCode code, const char* words, const char* call,
                    const char* file, int line);
 
-/* A port of the given emulation to the device that the text describes, with a time-out of 3 s. */
+/* Returns a port to the device that `spec` describes. The port's time-out is 3 s. */
 QuorPort* portTo(const char* spec, int32_t emulation);
 
-/* The port that `portTo` makes, after it was opened. */
+/* Makes a port by `portTo`, opens it and returns it. */
 QuorPort* openPortTo(const char* spec, int32_t emulation);
 
 /* Closes and frees the port. */

@@ -174,7 +174,7 @@ static void ProgressReachesTheSizeOfTheJob(void) {
   done(port);
 }
 
-/* Lets another thread cancel the job once it is under way. */
+/* Lets another thread cancel the job after its first bytes were accepted. */
 typedef struct Canceller {
   QuorPrintJob* job;
   pthread_t thread;

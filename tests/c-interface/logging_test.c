@@ -143,8 +143,8 @@ static void LogRecordsCanBeWrittenToStandardError(void) {
   remove("c_interface_stderr.txt");
 }
 
-/* A sink that is at work until it is released, and the answer that it gets when it waits for
- * itself. */
+/* For a sink that works until `open` is true. `flushed` is the result of a flush that the sink
+ * itself calls. */
 typedef struct Gate {
   pthread_mutex_t mutex;
   pthread_cond_t changed;

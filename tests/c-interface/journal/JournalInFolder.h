@@ -2,19 +2,20 @@
 
 #include <quordalvane/QuorJournalC.h>
 
-/* A journal in a folder of its own, which becomes the current one. */
+/* Makes a folder, changes to it, and returns a journal in it. The folder is removed at exit. */
 QuorJournal* journalInFolder(void);
 
-/* A named job that waits for nobody, of the data of `receipt`. */
+/* Makes a named job of the data `receipt`. It does not wait for other processes. The caller frees
+ * it. */
 QuorNamedJob* namedJob(QuorJournal* journal, const char* name);
 
-/* Prints it on a virtual printer that the text describes; the outcome. */
+/* Prints the job on the virtual printer that `spec` describes. Returns the outcome. */
 int32_t printOn(const char* spec, QuorNamedJob* named);
 
-/* As a program prints under a name, from the claim to the outcome. */
+/* Makes a named job of the data `receipt`, and prints it. Returns the outcome. */
 int32_t printNamed(QuorJournal* journal, const char* name, const char* spec);
 
-/* From now on no file of this process may grow: the disk is full. */
+/* Simulates a full disk: from now on, no file of this process can grow. */
 void fillDisk(void);
 
 extern const char receipt[];

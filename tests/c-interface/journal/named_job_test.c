@@ -54,7 +54,7 @@ static void exitInTheMiddle(void* context, uint64_t accepted, uint64_t total) {
   }
 }
 
-/* Another process begins to print the name, and is gone after its first byte. */
+/* Starts a process that begins to print the job of this name, and ends after the first bytes. */
 static void dieInTheMiddle(const char* name) {
   const pid_t process = fork();
   int status = -1;
