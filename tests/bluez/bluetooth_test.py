@@ -17,7 +17,7 @@ DEVICE = f"bluetooth:{ADDRESS}"
 
 class BluetoothPrinting(BusCase):
     def printer(self, *settings: str) -> str:
-        """The socket of a virtual printer."""
+        """Starts a virtual printer, and returns the path of its socket."""
         options = [part for setting in settings for part in ("--set", setting)]
         self.served = self.simulator(f"unix:{self.folder}/printer", *options)
         return self.served.place.partition(":")[2]
@@ -60,7 +60,7 @@ class BluetoothPrinting(BusCase):
         service.kill()
         began = time.monotonic()
         out, _ = process.communicate(timeout=DEADLINE)
-        self.assertLess(time.monotonic() - began, 2 + 2, out)  # two more for the end of the command
+        self.assertLess(time.monotonic() - began, 2 + 2, out)  # two seconds more for the end of the command
         self.assertIn(process.returncode, (5, 6), out)
         self.assertIn(b"lost", out)
         self.bluetooth(printer=printer)

@@ -31,7 +31,7 @@ std::error_code code(BluetoothError error) {
   return {static_cast<int>(error), bluetoothCategory()};
 }
 
-/// How an attempt to connect ends.
+/// Tries to connect. Returns the error, or an empty error code if the connection was made.
 std::error_code outcome(const std::string& place, std::string* text = nullptr,
                         std::chrono::milliseconds timeout = 10s) {
   try {
@@ -54,7 +54,7 @@ class BluetoothConnection : public testing::Test {
  protected:
   ~BluetoothConnection() override { ::close(printer_); }
 
-  /// A plan of the service in which each connection leads to `printer_`.
+  /// Returns a plan for the stand-in service, in which each connection leads to `printer_`.
   StandInPlan plan() {
     StandInPlan plan;
     plan.connect = [this] { return newConnection(); };
@@ -68,7 +68,7 @@ class BluetoothConnection : public testing::Test {
     return ends[1];
   }
 
-  /// The number of programs on the bus, without this program.
+  /// Returns the number of connections to the bus, without the connection that asks.
   static std::size_t programsOnTheBus() {
     const auto deadline = SteadyClock::now() + 10s;
     Bus bus(deadline);

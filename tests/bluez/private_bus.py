@@ -21,7 +21,7 @@ class BusCase(Case):
         self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.socket}"}
 
     def serve(self, *command: str) -> subprocess.Popen:
-        """Starts a program on the bus; the program writes a line when it is ready."""
+        """Starts a program on the bus, and waits for the line that the program writes when it is ready."""
         process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                    env=os.environ | self.environment)
         self.addCleanup(self.end, process)
@@ -39,7 +39,7 @@ class BusCase(Case):
         self.bus = self.serve("dbus-daemon", f"--config-file={file}", "--nofork", "--print-address")
 
     def bluetooth(self, *settings: str, printer: str = "") -> subprocess.Popen:
-        """The stand-in for the Bluetooth service; its printers are at the local socket."""
+        """Starts the stand-in for the Bluetooth service. A connection to its printers leads to the socket `printer`."""
         if self.bus is None:
             self.start_bus()
         return self.serve(os.environ["STANDIN"], printer or str(self.folder / "nobody"), *settings)

@@ -1,4 +1,4 @@
-"""A print scheduler of the test's own: all of its files are in the test's folder, and any user can run it."""
+"""A print scheduler that only the test uses. All its files are in the test's folder, and any user can run it."""
 
 import os
 import shutil
@@ -87,7 +87,7 @@ PageLog {folder}/page_log
 
 
 def as_nobody() -> dict:
-    """How root starts a process in a test."""
+    """The arguments of `subprocess` by which root starts a process as the user `nobody`."""
     return {"user": NOBODY, "group": NOBODY, "extra_groups": []} if os.geteuid() == 0 else {}
 
 
@@ -149,7 +149,7 @@ class Scheduler:
         return ipp.ask(self.socket, ipp.request(operation, *attributes, **groups), data, resource)
 
     def add_queue(self, name: str, uri: str, policy: str = "retry-job", driver: bytes = b""):
-        """Makes a queue that passes bytes unchanged, unless a driver is given."""
+        """Makes a queue. Without a driver, the queue passes bytes on unchanged."""
         self.ask(ipp.ADD_PRINTER, printer_uri(name), resource="/admin/", data=driver, printer=(
             ipp.attribute(ipp.URI, "device-uri", uri), ipp.attribute(ipp.NAME, "printer-error-policy", policy), *READY))
 
@@ -165,7 +165,7 @@ class Scheduler:
         return answer[0]["job-id"][0]
 
     def print_documents(self, queue: str, *documents: bytes, kind: str = RAW) -> int:
-        """One job of several documents."""
+        """Prints several documents as one job."""
         job, = self.ask(ipp.CREATE_JOB, printer_uri(queue), user(), resource=f"/printers/{queue}")
         for number, document in enumerate(documents, 1):
             self.ask(ipp.SEND_DOCUMENT, ipp.attribute(ipp.URI, "job-uri", job["job-uri"][0]), user(),
