@@ -32,7 +32,8 @@ class Control {
 
   /// Executes a line and returns the answer, one JSON object. The key `ok` of the answer is true;
   /// on a failure it is false, `error` contains the reason, and nothing has changed. If `only` is
-  /// given, the line applies only to the printer of that number, from 0.
+  /// given, the line applies only to the printer with this number; the first printer has the number
+  /// 0.
   std::string answer(std::string_view line, simulator::Instant now,
                      std::optional<std::size_t> only = std::nullopt);
 
@@ -41,7 +42,7 @@ class Control {
                                       std::optional<std::size_t> only)>;
   void listen(Listener listener) { listener_ = std::move(listener); }
 
-  /// Returns the answer to a line `get` about the printer of that number.
+  /// Returns the answer to a `get` line about the printer with this number, from 0.
   Json get(const std::string& what, std::size_t printer) const;
 
   /// Returns true if a line has asked the program to end.

@@ -29,8 +29,8 @@ class ControlChannel {
   /// Does all that can be done now.
   void work(simulator::Instant now);
 
-  /// Queues `lines`, which are not answers and each end in a line feed, after the pending answers.
-  /// If too many bytes are queued, it blocks until all are written.
+  /// Queues lines that are not answers, after the pending answers. Each line must end in a line
+  /// feed. If too many bytes are queued, blocks until all are written.
   void say(const std::string& lines);
 
   /// Writes all queued lines; blocks until they are written.

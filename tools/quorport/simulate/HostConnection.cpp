@@ -39,7 +39,8 @@ void HostConnection::await(std::vector<pollfd>& awaited) const {
   const int wantsSpace = outgoing_.empty() ? 0 : POLLOUT;
   const int wantsEnd = hostEnded_ ? 0 : POLLRDHUP;
   const auto events = static_cast<short>(wantsInput | wantsSpace | wantsEnd);
-  // A line whose host has left is not awaited: poll would return at once, again and again.
+  // After the host has left, the line is not passed to `poll`, which would always return
+  // immediately.
   if (events != 0 && !wasDropped()) {
     awaited.push_back({.fd = line_->descriptor().number(), .events = events, .revents = 0});
   }
@@ -62,9 +63,9 @@ void HostConnection::work(Instant now) {
   }
 }
 
-// While the printer has no space, nothing is read from the host. The end of the connection is
-// therefore noticed here. After that, the rest of the data is read; the rest is short, because
-// nothing can follow.
+// While the printer has no space, nothing is read from the host, so this function must notice that
+// the host has left. It then reads the host's last data. There is little of it, because the host
+// can send no more.
 void HostConnection::noticeHangUp() {
   constexpr int hangUp = POLLRDHUP | POLLHUP | POLLERR;
   const bool wouldBeRead = hostEnded_ || wantsBytes();
@@ -152,8 +153,10 @@ void HostConnection::giveToHost(Instant now) {
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
-    // The connection ends only at the next call. On a terminal the next host is there immediately.
-    // If its connection ended in this loop as well, the other printers would never be served.
+    // The connection ends only at the next call of `work`. On a terminal, the next host is
+    // connected immediately, and its link may be reset as well. If each of these connections ended
+    // in this call, the caller would accept hosts for ever, and the other printers would never be
+    // served.
     lastSettling_ = now;
   } else if (link_.dropped(now)) {
     line_->endOutput();

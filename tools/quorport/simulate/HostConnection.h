@@ -13,10 +13,10 @@
 
 namespace quordalvane::tool {
 
-/// Carries bytes between a host's line and the printer's link. It reads from the line only as many
-/// bytes as the printer has space for, so that a slow printer slows its host down. It also reads a
-/// few more bytes, because even a full printer must see requests. If the host leaves, its last
-/// bytes are still passed to the printer as it gets space.
+/// Carries bytes between the line, a connection to a host, and the printer's link. It reads from
+/// the line only as many bytes as the printer has space for, so that a slow printer slows its host
+/// down. It also reads a few more bytes, because even a full printer must see requests. If the host
+/// leaves, the printer still gets the host's last bytes when it has space for them.
 class HostConnection {
  public:
   /// The link must outlive this object.
@@ -34,20 +34,20 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
-  /// Returns true if no byte is under way in either direction, so that the line can be released.
+  /// Returns true if no byte is under way in either direction. Only then may `release` be called.
   bool isIdle() const { return incoming_.empty() && outgoing_.empty() && !wasDropped(); }
 
-  /// Releases the line of an idle connection, which must not be used afterwards.
+  /// Gives the line to the caller. Afterwards this object must not be used.
   std::unique_ptr<Line> release() { return std::move(line_); }
 
-  /// From now on, reads from the line, up to a limit, even if the printer has no space, because
-  /// unread bytes would hide that the host has left. This ends when the printer has taken all
-  /// bytes.
+  /// From now on, this object reads from the line even if the printer has no space, up to a limit.
+  /// Otherwise unread bytes would hide that the host has left. The reading ahead ends when the
+  /// printer has taken all bytes.
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }
 
-  /// Returns true if the host has ended its side, and everything that it sent has been read from
-  /// the line.
+  /// Returns true if the host will send no more, and everything that it sent has been read from the
+  /// line.
   bool hostEnded() const { return hostEnded_; }
 
   /// Returns true if the printer ended the connection.

@@ -11,7 +11,7 @@ namespace quordalvane::tool {
 /// The report to the user about a job of a virtual printer.
 struct JobReport {
   unsigned long job = 0;  ///< the job's number, from 1
-  std::string printer;    ///< the printer's name, or the device text of its address
+  std::string printer;    ///< the printer's name; its address if it has no name
   bool ok = true;
   std::vector<std::string> files;
 };

@@ -27,8 +27,8 @@ class Links {
   void end() { link_.reset(); }
 
   /// Adds faults to the current link and to all later ones; sets the seed if `faults` contains one.
-  /// A `cut` affects only one link: the current one, or the next one if there is none. A fault `at`
-  /// changes the printer at the given time, with or without a link.
+  /// The fault `cut` affects only one link: the current one, or the next one if there is none. A
+  /// fault or setting that `at` delays takes effect at its time, with or without a link.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
   /// Removes all faults, even delayed ones. The seed is kept.

@@ -66,8 +66,8 @@ class PtyLine : public Line {
  private:
   const std::string path_;
 
-  // The other side of the terminal. This process keeps the other side open until there is a host,
-  // because the system treats a terminal that nobody has open as ended.
+  // The other side of the terminal. This process keeps that side open until a host opens it.
+  // Otherwise the system would report the end of the terminal.
   std::optional<Descriptor> held_;
 
   int emptyLooks_ = 0;

@@ -34,10 +34,10 @@ class Server {
   };
 
   struct Places {
-    std::vector<Host> hosts;                  ///< the printers, with the place of each
+    std::vector<Host> hosts;                  ///< the printers, with the address of each
     std::unique_ptr<Listener> controls;       ///< the control socket; may be null
     std::unique_ptr<ReceiptFolder> receipts;  ///< the folder for receipts; may be null
-    std::unique_ptr<Listener> web;  ///< the place for browsers, of scheme `tcp:`; may be null
+    std::unique_ptr<Listener> web;            ///< the address for browsers (`tcp:`); may be null
   };
 
   struct Habits {
@@ -72,7 +72,7 @@ class Server {
   ReceiptWriter writer_;  // must outlive the printers, whose destructors end their last jobs
   unsigned long jobs_ = 0;
   unsigned long jobsNotOk_ = 0;
-  std::unique_ptr<Audience> audience_;  // must outlive the printers as well; may be null
+  std::unique_ptr<Audience> audience_;  // may be null; must also outlive the printers
   std::list<Station> stations_;
   Control control_;
   std::map<const Station*, std::string> announced_;  // the last announced address of each printer

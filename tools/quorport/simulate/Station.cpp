@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 using simulator::earlier;
 using simulator::Instant;
 
-// A cut ends the job if nothing is received for this time after the cut.
+// A paper cut ends the job if nothing is received for this time after the cut.
 constexpr Instant quietTime = 1s;
 
 // A host that sends nothing for this time, and has no data in the printer, must let the next host
@@ -159,7 +159,7 @@ void Station::letHostsQueue() {
   }
 }
 
-// Lets the first waiting host that has sent something print next.
+// If the current host has paused, replaces it by the first waiting host that has sent bytes.
 void Station::takeTurns(Instant now) {
   if (!mayMakeRoom(now)) {
     return;
@@ -181,15 +181,15 @@ bool Station::mayMakeRoom(Instant now) const {
   return host_->isIdle() && printer_.buffered() == 0 && (!last || now >= *last + turnTime);
 }
 
-// Returns true if a host that has left must make way for the next host. Usually the next host waits
-// until the printer has printed the last bytes of the first one. But a printer that is off line may
-// never print them; in this case the next host is served first.
+// Returns true if the current host has left and the next host must not wait for it. Usually the
+// next host waits until the last bytes of the current host are printed. But a printer that is off
+// line may never print these bytes.
 bool Station::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }
 
-// While the printer is off line, unread bytes hide the end of a host. These bytes are therefore
-// read as soon as another host waits.
+// Returns true if the current host may have left unnoticed. While the printer is off line, unread
+// bytes hide that a host has left. These bytes are therefore read when another host waits.
 bool Station::hostMayHaveLeft() const {
   return listener_->hostsQueue() && !host_->hostEnded() && !host_->readsAhead() &&
          printer_.state().flag(simulator::Flag::Offline);
@@ -224,9 +224,9 @@ void Station::printTest() {
   waiting_.push_back(testHost(printer_.state()));
 }
 
-// Returns the time at which a cut ends the job; empty if no such end is due. On a connection that
-// remains open, a job ends with a cut that nothing follows. The printer itself notices the end of a
-// connection, which also ends a job.
+// Returns the time at which a paper cut ends the job; empty if no cut ends it. On a connection that
+// remains open, a job ends after a cut if nothing more is received. The end of the connection also
+// ends the job, but the printer itself notices that.
 std::optional<Instant> Station::endOfJob() const {
   const auto lastReceived = host_ ? host_->lastReceived() : std::nullopt;
   if (habits_.per == ReceiptPer::Connection || !lastReceived || !endsInCut(printer_.paper())) {

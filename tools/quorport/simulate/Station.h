@@ -57,7 +57,7 @@ class Station {
   /// Tears off the paper that has been printed so far, even in the middle of a job.
   void tearOff() { give(printer_.tearOff()); }
 
-  /// Queues a test receipt, which is printed between two jobs like the job of another host. Throws
+  /// Queues a test receipt. It is printed between two jobs, as if another host had sent it. Throws
   /// std::invalid_argument, with a text for people, if too many hosts wait already.
   void printTest();
 

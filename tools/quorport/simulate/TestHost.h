@@ -7,8 +7,8 @@
 
 namespace quordalvane::tool {
 
-/// Returns a line on which a host sends a test receipt for this printer and then leaves. Throws
-/// std::system_error if the system has no descriptor left.
+/// Returns a connection to a host that has sent a test receipt for this printer and has left.
+/// Throws std::system_error if the system has no descriptor left.
 std::unique_ptr<Line> testHost(const simulator::PrinterState& printer);
 
 }  // namespace quordalvane::tool
