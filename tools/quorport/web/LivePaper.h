@@ -13,17 +13,19 @@ namespace quordalvane::tool {
 /// of the paper has been passed on to be drawn, and keeps the events that show the latest rows.
 class LivePaper {
  public:
-  /// A newly opened page gets at least this many of the latest rows, if there are so many.
+  /// When a browser opens the page, it gets at least this many of the latest rows, or all rows if
+  /// there are fewer.
   static constexpr unsigned mostRows = 16'000;
 
-  /// Returns what was printed since the last call. The caller must set the number of the printer.
+  /// Returns what was printed since the last call. The caller must set `printer`, `printed` and
+  /// `isTornOff` in the result.
   PaperArtist::Print follow(const simulator::Paper& paper);
 
   /// To be called after the paper was torn off: the next paper starts empty.
   void begin();
 
   /// To be called if the printer prints faster than its paper can be drawn. The rest of this paper
-  /// is not shown; the next paper is shown again.
+  /// is not shown. The next paper is shown from its beginning.
   void giveUp() { isLost_ = true; }
   bool isLost() const { return isLost_; }
 
@@ -41,7 +43,7 @@ class LivePaper {
   void remember(const simulator::PaperItem& last);
 
   std::size_t seen_ = 0;        // the number of items already passed on
-  std::size_t seenWeight_ = 0;  // the weight of the paper at the last call
+  std::size_t seenWeight_ = 0;  // the approximate size of the items already passed on, in bytes
   int seenFeed_ = 0;            // the length of the last item, if it is a feed
   bool seenPartialCut_ = false;
   bool isLost_ = false;

@@ -16,7 +16,8 @@ namespace quordalvane::tool {
 /// Draws the printers' papers while they grow, on a thread of its own.
 class PaperArtist {
  public:
-  /// New output of one printer. Outputs that wait for the thread are joined.
+  /// New output of one printer. While outputs wait for the thread, consecutive outputs of the same
+  /// paper are merged into one.
   struct Print {
     std::size_t printer = 0;
     std::vector<simulator::PaperItem> items;

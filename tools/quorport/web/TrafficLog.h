@@ -13,7 +13,7 @@
 namespace quordalvane::tool {
 
 /// Collects the commands that printers received, and their answers, until they are shown.
-/// Consecutive characters become one entry. If there are too many entries, the rest is only
+/// Consecutive characters become one entry. If there are too many entries, further entries are only
 /// counted. Keeps the latest entries for pages that are opened later.
 class TrafficLog {
  public:
@@ -24,7 +24,8 @@ class TrafficLog {
   /// milliseconds since 1970.
   void add(unsigned printer, const simulator::VirtualPrinter::Deed& deed, std::int64_t time);
 
-  /// Adds a control line and its answer; `printer` 0 means all printers.
+  /// Adds a control line, which is a command to the simulator, and its answer. `printer` 0 means
+  /// all printers.
   void addControl(unsigned printer, std::string_view line, std::string_view answer,
                   std::int64_t time);
 
@@ -49,7 +50,7 @@ class TrafficLog {
     std::string meaning{};
     simulator::Bytes bytes{};  // the first bytes only
     std::size_t length = 0;
-    std::string answer{};  // the answer to a control line
+    std::string answer{};  // the answer, if the entry is a control line
   };
 
   bool hasRoom();
