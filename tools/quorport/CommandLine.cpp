@@ -168,13 +168,13 @@ class Grammar {
   }
 
   Options options_;
-  std::string helpOn_;  // the command that --help was asked about
+  std::string helpOn_;  // the argument of the command `help`; empty without an argument
   CLI::App app_{help::description, "quorport"};
-  CLI::App* help_;  // the option --help that was used, of one of the parsers in app_
+  CLI::App* help_;  // the parser of the command `help`, which `app_` owns
 };
 
-// Takes the devices from the environment variable, which separates them by blanks, if the arguments
-// name none.
+// If the arguments name no device, takes the devices from the environment variable, in which blanks
+// separate them.
 void addDevicesOfEnvironment(Options& options) {
   const char* const value = std::getenv("QUORPORT_DEVICE");
   if (!options.devices.empty() || value == nullptr) {

@@ -45,7 +45,7 @@ std::string inLines(const Findings& findings) {
   return text;
 }
 
-// Returns in words how the printer confirms jobs, and the consequence.
+// Returns the name and the description of the proof. `Auto` counts as `None`.
 std::string inWords(ProofKind proof) {
   const ProofKind found = proof == ProofKind::Auto ? ProofKind::None : proof;
   return std::string(nameOf(found)) + ": " + std::string(aboutOf(found));

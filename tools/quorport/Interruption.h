@@ -21,8 +21,9 @@ struct Report;
 /// Thrown by an exchange with the printer that the user interrupted.
 class Interrupted {};
 
-/// A request to stop, from the user's signal until the request takes effect. The effect depends on
-/// the stage of the command. All members may be called from any thread.
+/// A stop request: the user's wish to end the command, from the signal until the request takes
+/// effect. The effect depends on the stage of the command. All members may be called from any
+/// thread.
 class Interruption {
  public:
   using GiveUp = std::function<void(const Report& report)>;
@@ -31,23 +32,25 @@ class Interruption {
   /// while nothing is open that must be closed. `giveUp` is necessary because an attempt to
   /// connect, or a read from a pipe, cannot be interrupted.
   ///
-  /// `report` is used if the request ends the command before `setReport` is called.
+  /// `report` is used if a stop request ends the command before `setReport` is called.
   Interruption(Report report, GiveUp giveUp);
   ~Interruption();
   Interruption(const Interruption&) = delete;
   Interruption& operator=(const Interruption&) = delete;
 
-  /// Records the request, and lets it take effect. `code` is the exit status of a command that the
-  /// request ends.
+  /// Records a stop request, and lets it take effect. `code` is the exit status of a command that
+  /// the request ends.
   void interrupt(ExitCode code);
 
-  /// Returns the exit status of the request; empty if there was no request.
+  /// Returns the exit status of a command that the stop request ends; empty if there was no
+  /// request.
   std::optional<ExitCode> code();
 
-  /// Replaces the report that is delivered if the request ends the command.
+  /// Replaces the report that is delivered if a stop request ends the command.
   void setReport(Report report);
 
-  /// Returns the report that is delivered, with the exit status of the request.
+  /// Returns the report that is delivered if a stop request ends the command. After a stop request,
+  /// the report contains the exit status that `code` returns.
   Report report();
 
   /// Notes that the command talks to this device from now on.
@@ -56,23 +59,24 @@ class Interruption {
   /// Returns the device that the command last talked to; empty if it has talked to none.
   std::optional<std::string> device();
 
-  /// Begins the stage in which nothing is open. A command starts in this stage. A request ends the
-  /// process, even if it arrived earlier.
+  /// Begins the stage in which nothing is open, the first stage of each command. In this stage, a
+  /// stop request ends the process, even if the request arrived before this call.
   void begin();
 
-  /// Begins the stage in which a port is open: after a request, `sleep` and `check` throw
-  /// Interrupted.
+  /// Begins the stage in which a port is open. In this stage, `sleep` and `check` throw Interrupted
+  /// after a stop request.
   void beginExchange();
 
-  /// Begins the stage in which a job is printed. A request cancels the job, even if it arrived
-  /// earlier. The job must live until `end`.
+  /// Begins the stage in which a job is printed. In this stage, a stop request cancels the job,
+  /// even if the request arrived before this call. The job must live until `end`.
   void beginJob(PrintJob& job);
 
-  /// Begins the last stage, whose steps are always completed: a request has no effect any more.
+  /// Begins the last stage. Its steps are always completed: a stop request has no effect any more.
   void end();
 
   /// Waits for `time`, or until the descriptor `noticed` is readable; -1 means no descriptor. In
-  /// the stage of an open port, throws Interrupted after a request.
+  /// the stage in which a port is open, a stop request ends the wait, and `sleep` throws
+  /// Interrupted.
   void sleep(std::chrono::microseconds time, int noticed = -1);
 
   /// Throws as `sleep` does, but does not wait. To be called in loops that never sleep.
@@ -86,27 +90,27 @@ class Interruption {
   void giveUp() const;
 
   const GiveUp giveUp_;
-  const int wish_;                  // becomes readable when a request arrives
+  const int wish_;                  // becomes readable when a stop request arrives
   std::mutex mutex_;                // guards the members below
   std::unique_ptr<Report> report_;  // never null
   std::optional<std::string> device_;
   Stage stage_ = Stage::Beginning;
   PrintJob* job_ = nullptr;
-  std::optional<ExitCode> code_;  // the exit status of the request; empty if there was none
+  std::optional<ExitCode> code_;  // empty if there was no stop request
 };
 
-/// The ordinary platform, except that a request interrupts its sleeps. Some loops of a port never
-/// sleep. But each of these loops asks whether the accessory is connected, so a request interrupts
-/// that question as well.
+/// The ordinary platform, except that a stop request interrupts its sleeps. Some loops of a port
+/// never sleep. But each of these loops asks whether the accessory is connected, so a stop request
+/// interrupts that question as well.
 class InterruptiblePlatform : public ForwardingPlatform {
  public:
   explicit InterruptiblePlatform(std::shared_ptr<Interruption> interruption);
 
   Clock& clock() override { return clock_; }
 
-  /// Adds an accessory. `device` is the accessory's device text. From the opening of a session on
-  /// the accessory, the command talks to this device. If `device` is empty, the command's report
-  /// does not name the device.
+  /// Adds an accessory. `device` is the accessory's device text. After a session on the accessory
+  /// was opened, the command's report names this device. If `device` is empty, the report does not
+  /// name the device.
   void attach(const std::shared_ptr<EAAccessory>& accessory, std::optional<std::string> device);
 
   /// Returns all attached accessories, in the order in which they were attached.

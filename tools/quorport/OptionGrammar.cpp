@@ -44,7 +44,7 @@ ProofKind proof(const std::string& text) {
 template <typename Value>
 using Choices = std::initializer_list<std::pair<std::string_view, Value>>;
 
-// Returns the value whose name is `name`, which was given as `text`.
+// Returns the value of the choice `name`. `text` is what the user wrote, for the error message.
 template <typename Value>
 Value chosen(std::string_view name, const std::string& text, Choices<Value> choices) {
   std::string names;

@@ -13,13 +13,13 @@
 namespace quordalvane::tool {
 
 struct StatusOptions {
-  std::uint32_t level = 0;  ///< the level of the query, which only the log shows
+  std::uint32_t level = 0;  ///< the level of the status request; only the log shows it
   bool verbose = false;
 };
 
 struct PrintOptions {
   std::string file;                         ///< a path; "-" is standard input
-  std::optional<ProofKind> proof;           ///< empty means that the key of the device decides
+  std::optional<ProofKind> proof;           ///< empty: the key `proof` of the device text decides
   std::optional<std::uint32_t> endTimeout;  ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
   std::optional<std::string> receipt;             ///< the path of the receipt file
@@ -55,7 +55,7 @@ enum class HostRule {
 };
 
 struct SimulateOptions {
-  std::vector<std::string> listen;  ///< the place of each printer
+  std::vector<std::string> listen;  ///< the address of each printer
   HostRule hosts = HostRule::One;
   std::vector<std::string> settings;    ///< each in the form key=value
   std::optional<std::string> receipts;  ///< the path of the folder for receipts

@@ -50,8 +50,8 @@ class Printer {
 
   const std::shared_ptr<ExternalAccessoryPort>& port() { return port_; }
 
-  /// Calls `question` with an inquiry and returns the printer's answer. Throws the CommandFailure
-  /// of `failure` if the printer gives no answer.
+  /// Calls `question` with an inquiry and returns the printer's answer. If the printer gives no
+  /// answer, throws the CommandFailure that `failure` returns.
   template <typename Asker>
   auto ask(Asker question) {
     PrinterInquiry inquiry(port_);

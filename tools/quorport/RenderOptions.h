@@ -14,7 +14,7 @@ struct RenderOptions {
   std::uint32_t width = 576;  ///< the width of the paper in dots
   /// The code page, as render::CodePage reads it. Empty means ASCII only.
   std::optional<std::string> codePage;
-  /// True selects an ordered pattern for grey, false error diffusion.
+  /// How grey is printed: true means an ordered pattern of dots, false means error diffusion.
   bool isOrdered = false;
   bool cut = false;
   std::optional<std::uint32_t> drawer;  ///< the number of the drawer, 1 or 2; empty means none

@@ -31,8 +31,8 @@ void setFailed(Report& report, ExitCode code, const std::string& error);
 /// `device` is empty.
 std::string labelOf(const std::optional<std::string>& device);
 
-/// Adds the name of the device to a report that is not empty: as `device` to the object, and as a
-/// prefix to the texts for people. Does nothing if `device` is empty.
+/// Adds the name of the device to each member of the report that is not empty: to `json` as the
+/// member `device`, to `text` and `error` as a prefix. Does nothing if `device` is empty.
 void nameDevice(Report& report, const std::optional<std::string>& device);
 
 /// Writes the report's text, or with `asJson` the report's object, to standard output, and the

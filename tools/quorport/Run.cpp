@@ -31,14 +31,14 @@ struct Answer {
   CommandKind kind;
 };
 
-// Returns the report of a command that did not begin. `job` is the name of the job, empty if it has
-// none.
+// Returns the report of a command that did not begin. `job` is the name of the job; empty if the
+// job has no name.
 Report refusal(CommandKind kind, ExitCode code, const std::string& error,
                const std::optional<std::string>& job) {
   return kind == CommandKind::Printing ? refusedJob(code, error, 0, job) : failed(code, error);
 }
 
-// Ends the process while nothing is open, so nothing must be closed.
+// Ends the process immediately. To be called only while nothing is open that needs to be closed.
 [[noreturn]] void leaveAtOnce(const Report& report, bool asJson, const Streams& streams) {
   LiveLine(streams.err).hide();
   deliver(report, asJson, streams);
@@ -87,8 +87,8 @@ Report reportOf(const Order& order, const Streams& streams) {
     interruption->end();
   }
   nameDevice(report, interruption->device());
-  // A completed task counts as completed, however late the request to stop arrived. Otherwise the
-  // exit status shows that request, and the report shows the result.
+  // A stop request does not change the exit status of a command that has completed its task.
+  // Otherwise the exit status shows the stop request, and the report shows the result.
   if (report.code != ExitCode::Done) {
     report.code = interruption->code().value_or(report.code);
   }

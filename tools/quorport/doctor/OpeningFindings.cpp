@@ -12,8 +12,8 @@
 namespace quordalvane::tool {
 namespace {
 
-// The default code means that the device cannot be reached. Only a device that another program uses
-// has another code, because it will be ready again.
+// The default of `code` means that the device cannot be reached. If another program uses the
+// device, `code` is `ExitCode::NotReady`, because the device becomes free later.
 Finding notOpened(std::string_view cause, std::string_view text, std::string_view advice,
                   ExitCode code = ExitCode::NoAccessory) {
   return {cause, code, std::string(text), std::string(advice)};
