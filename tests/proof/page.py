@@ -61,7 +61,7 @@ def written(figures: dict[str, dict[str, str]]) -> str:
 
 HEADS = {
     "coverage": ["| file | line | never | why |", "|---|---|---|---|"],
-    "mutation": ["| file | line | changed line | why it survives |", "|---|---|---|---|"],
+    "mutation": ["| file | line | changed line | can a test notice it? | why it survives |", "|---|---|---|---|---|"],
     "breaks": ["| | what is broken | in | caught by |", "|---|---|---|---|"],
 }
 

@@ -239,12 +239,15 @@ class ProofTables(unittest.TestCase):
                 with self.subTest(table=table):
                     self.assert_line(file.strip("`"), line.strip("`"))
 
+    def test_the_tables_of_the_details_have_the_columns_of_the_explained_tables(self):
+        self.assertEqual(page.HEADS["mutation"], page.table("survivors.md")[:2])
+        self.assertEqual(page.HEADS["coverage"], page.table("uncovered.md")[:2])
+
     def test_each_line_that_a_break_replaces_exists_exactly_once(self):
         for one in breaks.BREAKS:
             with self.subTest(one.what):
                 self.assertEqual((steps.ROOT / one.path).read_text().count(one.old), 1)
                 self.assertIn(steps.ROOT / one.path, areas.area_of(one.path).files())
-
 
     def test_the_coverage_runs_exactly_the_programs_that_its_preset_builds(self):
         presets = json.loads((steps.ROOT / "CMakePresets.json").read_text())["buildPresets"]
