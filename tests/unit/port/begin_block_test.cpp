@@ -89,7 +89,7 @@ TEST(BeginBlockInLineMode, FailsIfTheLinkIsLostBeforeTheWaitForTheCounter) {
   EXPECT_THAT(run.records(method), failedBy("self.isConnected: 0"));
 }
 
-TEST(BeginBlockInLineMode, ChecksALostConnectionAgainForItsLogRecord) {
+TEST(BeginBlockInLineMode, LogsALostConnectionWithTheResultOfASecondCheck) {
   Scenario scenario = lineModePrinter();
   std::vector<bool> answers(6 + 2, true);  // checks of the first status and of the reset
   answers.push_back(false);
@@ -118,7 +118,7 @@ TEST(BeginBlockInLineMode, FailsWhenTheCounterIsNot0WithinTheTimeout) {
   EXPECT_THAT(run.records(method), timedOut("waitTimeout", 1, 2));
 }
 
-TEST(BeginBlockInLineMode, FailsWithThePaperPresentCodeAtTheHoldPrintTimeout) {
+TEST(BeginBlockInLineMode, FailsWithCodeMinus3IfThePaperIsNotTakenInTime) {
   Scenario scenario = lineModePrinter(lineStatus({paperPresentFlag}), 60000);
   scenario.holdMillis = 2999;
   const Outcome run = scenario.run(beginCheckedBlock());

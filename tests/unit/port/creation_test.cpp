@@ -153,7 +153,7 @@ TEST_F(NewPort, AcceptsNullForNameAndSettings) {
   EXPECT_TRUE(records().starts_with("Start | (null), (null), 0, 1\n"));
 }
 
-TEST_F(NewPort, LogsATimeoutOf2To31OrMoreAsNegative) {
+TEST_F(NewPort, LogsATimeoutAboveTheSigned32BitRangeAsNegative) {
   create("BT:", "", 4294967295U);
   EXPECT_TRUE(records().starts_with("Start | BT:, , -1, 1\n")) << records();
   world_.trace().clear();

@@ -27,7 +27,7 @@ std::string withoutMatch(const std::string& settings, std::size_t length) {
          settings + ", 0, 0, " + std::to_string(length) + ", 0\nEnd |\n";
 }
 
-TEST(DataTimeoutOption, IsTheNumberAfterTheFirstLetterDWithDigits) {
+TEST(DataTimeoutOption, IsTheNumberAfterTheFirstLowerCaseDThatADigitFollows) {
   const std::pair<const char*, std::int64_t> rows[] = {
       {"d10", 10},  {"mini;d255", 255}, {"d3;d7", 3},      {"abcd12x", 12}, {"d0", 0},
       {"d000", 0},  {"d0255", 255},     {"dd5", 5},        {"d d7", 7},     {"dxd9", 9},
@@ -41,7 +41,7 @@ TEST(DataTimeoutOption, IsTheNumberAfterTheFirstLetterDWithDigits) {
   }
 }
 
-TEST(DataTimeoutOption, IsMissingWithoutALowerCaseDAndADigit) {
+TEST(DataTimeoutOption, IsMissingIfNoDigitFollowsALowerCaseD) {
   for (const std::string& settings :
        {std::string(), std::string("D10"), std::string("d"), std::string("mini"), std::string("dd"),
         std::string("d-5"), std::string("5d"), std::string("d\xd9\xa3"),

@@ -104,7 +104,7 @@ TEST(EndBlockInEscPos, AsksAgainAtOnceAfterAnInvalidStatus) {
   )"));
 }
 
-TEST(EndBlockInEscPos, StopsAskingAfterInvalidStatusesWhenTheLinkIsLost) {
+TEST(EndBlockInEscPos, StopsAskingForAValidStatusWhenTheLinkIsLost) {
   Scenario scenario = escPosPrinter("00");
   scenario.script.isLostAfterBytes(100000);
   const Outcome run = scenario.run(endCheckedBlock());
@@ -152,7 +152,7 @@ TEST(EndBlockInEscPos, FailsIfTheReadAfterTheFirstByteOfAReportFails) {
               failedBy("Fail to [[self read:restDataSize] retain]: <self>, 7"));
 }
 
-TEST(EndBlockInEscPos, TreatsAReportThatEndsBeforeItsCountAsNoReport) {
+TEST(EndBlockInEscPos, TreatsAReportWithoutACountAsMissing) {
   for (std::size_t length = 1; length < report.size(); ++length) {
     Scenario scenario = escPosPrinter();
     scenario.endMillis = 1000;
@@ -163,7 +163,7 @@ TEST(EndBlockInEscPos, TreatsAReportThatEndsBeforeItsCountAsNoReport) {
   }
 }
 
-TEST(EndBlockInEscPos, TakesALateByteAfterAnIncompleteReportForTheStatus) {
+TEST(EndBlockInEscPos, UsesALateByteAfterAnIncompleteReportAsTheStatus) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, {{bytes("1b 1d 03")}, {bytes("1a"), 0.15}});
   const Outcome run = scenario.run(endCheckedBlock());
@@ -218,7 +218,7 @@ TEST(EndBlockInEscPos, FailsWhenTheStatusRequestCannotBeSent) {
               failedBy("Fail to [self writeWithRetry:statusRequestData]: <self>, <address>"));
 }
 
-TEST(EndBlockInEscPos, FailsWhenTheDataCancelEndOfAPassCannotBeSent) {
+TEST(EndBlockInEscPos, FailsWhenTheRepeatedCommandThatEndsDataCancelCannotBeSent) {
   Scenario scenario = escPosPrinter();
   scenario.script.writeReturns(3, -1);
   const Outcome run = scenario.run(endCheckedBlock());
@@ -255,7 +255,7 @@ TEST(EndBlockInEscPos, FailsIfTheFinalStatusIsInvalid) {
           "Fail to [self getParsedStatus:quorPrinterStatus level:level]: <self>, <status>, 5"));
 }
 
-TEST(EndBlockInEscPos, SucceedsWithoutAReportEvenIfTheFinalStatusIsOnLine) {
+TEST(EndBlockInEscPos, SucceedsWithoutAReportEvenIfThePrinterIsOnLineAgainAtTheEnd) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a")));
   const Outcome run = scenario.run(endCheckedBlock());

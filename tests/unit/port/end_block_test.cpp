@@ -140,7 +140,7 @@ TEST_P(EndBlock, FailsWhenTheEtbCannotBeSent) {
               failedBy("Fail to [self writeWithRetry:etbCommand]: <self>, <address>"));
 }
 
-TEST_P(EndBlock, FailsWhenTheDataCancelEndCannotBeSent) {
+TEST_P(EndBlock, FailsWhenTheCommandThatEndsDataCancelCannotBeSent) {
   Scenario scenario = Scenario::in(GetParam());
   scenario.script.writeReturns(2, -1);
   const Outcome run = scenario.run(endCheckedBlock());

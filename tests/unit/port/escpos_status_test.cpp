@@ -67,7 +67,7 @@ TEST(EscPosStatusRequest, FailsIfTheLinkIsLostBeforeTheFirstWrite) {
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "false");
 }
 
-TEST(EscPosStatusRequest, ReadsOneByteForEachQueryAndLeavesTheRestForTheNext) {
+TEST(EscPosStatusRequest, ReadsOneByteForEachQueryAndLeavesLaterBytesForTheNextQuery) {
   Scenario scenario = Scenario::in(escPos);
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a 16 32")));
   const Outcome run = scenario.run(getParsedStatus());
@@ -176,7 +176,7 @@ TEST(EscPosStatusRequest, ThrowsIfTheLinkIsLostDuringAnyPoll) {
   }
 }
 
-TEST(EscPosStatusRequest, ChecksALostConnectionAgainForItsLogRecord) {
+TEST(EscPosStatusRequest, LogsALostConnectionWithTheResultOfASecondCheck) {
   Scenario scenario = Scenario::in(escPos);
   // One check for the read that discards old input, and two checks before each of the two writes.
   scenario.script.saysConnected({true, true, true, true, true, false, true});

@@ -191,7 +191,7 @@ TEST(LineStatusRequest, ThrowsWhenTheLinkIsLostDuringTheWait) {
   )"));
 }
 
-TEST(LineStatusRequest, ChecksALostConnectionAgainForItsLogRecord) {
+TEST(LineStatusRequest, LogsALostConnectionWithTheResultOfASecondCheck) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.saysConnected({true, true, true, false, true});
   const Outcome run = scenario.run(getParsedStatus());
@@ -230,7 +230,7 @@ TEST(LineStatusRequest, LogsAFailedReadAndContinues) {
   )"));
 }
 
-TEST(LineStatusRequest, LogsALevelOf2To31OrMoreAsNegative) {
+TEST(LineStatusRequest, LogsALevelAboveTheSigned32BitRangeAsNegative) {
   const Outcome run = lineModePrinter().run(getParsedStatus(4294967295U));
   EXPECT_EQ(run.records(method).substr(0, 21), "Start | <status>, -1\n");
 }

@@ -46,7 +46,7 @@ TEST(OnlineStatus, IsReadFromTheDrawerQueryInEscPos) {
   EXPECT_FALSE(offLine.caller.onlineStatus);
 }
 
-TEST(OnlineStatus, IgnoresTheAnswerToItsShortRequest) {
+TEST(OnlineStatus, IgnoresTheAnswerToItsFirstRequest) {
   Scenario scenario = lineModePrinter();
   scenario.script.whenAsked(shortRequest, whole(lineStatus({offlineFlag})));
   const Outcome run = scenario.run(getOnlineStatus());
@@ -54,7 +54,7 @@ TEST(OnlineStatus, IgnoresTheAnswerToItsShortRequest) {
   EXPECT_TRUE(run.caller.onlineStatus);
 }
 
-TEST(OnlineStatus, IsUnchangedIfItsShortRequestCannotBeWritten) {
+TEST(OnlineStatus, IsUnchangedIfItsFirstRequestCannotBeWritten) {
   for (const bool before : {true, false}) {
     Scenario scenario = lineModePrinter();
     scenario.script.writeReturns(1, -1);

@@ -31,7 +31,7 @@ TEST(PortRead, ReturnsTheBytesOfTheStreamAndLogsEveryStep) {
   )"));
 }
 
-TEST(PortRead, ReturnsAnEmptyBufferAfterOneRunLoopSliceIfNoByteArrives) {
+TEST(PortRead, ReturnsAnEmptyBufferAfterATenthOfASecondIfNoByteArrives) {
   const Outcome run = Scenario::in(lineMode).run(read(5));
   EXPECT_EQ(run.result, "<>");
   EXPECT_EQ(run.all(), text(R"(
@@ -105,13 +105,13 @@ TEST(PortRead, ReturnsAsSoonAsTheStreamHasNoMoreBytes) {
   EXPECT_EQ(run.wire(), "input.read 3 -> <01 02>\n");
 }
 
-TEST(PortRead, WaitsOneRunLoopSliceEvenIfNoByteCanArrive) {
+TEST(PortRead, WaitsATenthOfASecondEvenIfNoByteCanArrive) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.expects = Script::Expects::Never;
   EXPECT_EQ(scenario.run(read(3)).wire(), "slice for input 0.1\n");
 }
 
-TEST(PortRead, ReturnsBytesThatArriveDuringTheSliceAtOnce) {
+TEST(PortRead, ReturnsAtOnceWhenBytesArriveDuringItsWait) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.delivers(bytes("01"), 0.05);
   const Outcome run = scenario.run(inTurn({read(3), writeWithRetry({})}));
@@ -167,7 +167,7 @@ TEST(PortRead, ReadsAgainIfTheStreamReturnsTheCount0) {
             std::string::npos);
 }
 
-TEST(PortRead, ReadsNoByteBeyondItsBuffersForAnyCountOfTheStream) {
+TEST(PortRead, ReadsNoByteBeyondItsBuffersIfTheStreamReturnsAWrongCount) {
   for (const std::int64_t count :
        {std::int64_t{2}, std::int64_t{129}, std::int64_t{1000000}, INT64_MAX}) {
     Scenario scenario = delivering(bytes("01"));

@@ -59,7 +59,7 @@ TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatSentNothing) {
   )"));
 }
 
-TEST(RetryingWriter, StopsEarlyIfTheSentTotalEqualsTheRest) {
+TEST(RetryingWriter, StopsEarlyIfTheSentTotalEqualsTheBytesLastOffered) {
   const Outcome run = takingInAttempts({3, 2}).run(writeWithRetry(command));
   EXPECT_EQ(run.result, "5");
   EXPECT_EQ(run.sent(), bytes("01 02 03 04 05")) << "three bytes remain unsent";

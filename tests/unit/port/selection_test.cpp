@@ -129,7 +129,7 @@ TEST(PrinterSelection, FindsTheGivenAddressInAnyLetterCase) {
   }
 }
 
-TEST(PrinterSelection, FindsAnAddressOnlyInTheAddressOfAnAccessory) {
+TEST(PrinterSelection, ComparesAnAddressOnlyWithTheAddressesOfAccessories) {
   AccessoryIdentity odd = printer(1);
   odd.name = "[fe80::12:34:56:78:9a:bc]:9100";
   odd.serialNumber = "12:34:56:78:9A:BD";
@@ -195,7 +195,7 @@ TEST(PrinterSelection, ChoosesModelsWithoutTheKltPrefixOrWithoutTheUSuffix) {
   EXPECT_EQ(chosen(choosing("BT:", {none})), 1U);
 }
 
-TEST(PrinterSelection, ChoosesOnlyTheMakersPrintersInAnyLetterCase) {
+TEST(PrinterSelection, RequiresTheMakersNameInAnyLetterCase) {
   AccessoryIdentity loud = printer(1);
   loud.manufacturer = "QUOR Dalvane";
   EXPECT_EQ(chosen(choosing("BT:", {loud})), 1U);

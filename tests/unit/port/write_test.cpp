@@ -27,7 +27,7 @@ TEST(PortWrite, PassesTheWholeBufferToTheStreamAndLogsEveryStep) {
   )"));
 }
 
-TEST(PortWrite, Returns0AfterOneRunLoopSliceWithoutSpace) {
+TEST(PortWrite, Returns0AfterATenthOfASecondWithoutSpace) {
   Scenario scenario = open();
   scenario.script.hasNoSpace();
   const Outcome run = scenario.run(write(bytes("41")));
@@ -43,7 +43,7 @@ TEST(PortWrite, Returns0AfterOneRunLoopSliceWithoutSpace) {
   )"));
 }
 
-TEST(PortWrite, WritesAsSoonAsThereIsSpaceDuringTheSlice) {
+TEST(PortWrite, WritesAsSoonAsThereIsSpace) {
   Scenario scenario = open();
   scenario.script.hasNoSpace(0.03);
   const Outcome run = scenario.run(inTurn({write(bytes("41")), getOnlineStatus()}));
@@ -164,7 +164,7 @@ TEST(PortWrite, SendsEveryByteValueUnchanged) {
   EXPECT_EQ(run.sent(), all);
 }
 
-TEST(PortWrite, ReadsNoByteBeyondItsBuffersForAnyCountOfTheStream) {
+TEST(PortWrite, ReadsNoByteBeyondItsBuffersIfTheStreamReturnsAWrongCount) {
   for (const std::int64_t count : {std::int64_t{-2}, std::int64_t{-100}, std::int64_t{4},
                                    std::int64_t{1000000}, INT64_MAX, INT64_MIN}) {
     Scenario scenario = open();
