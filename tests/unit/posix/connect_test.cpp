@@ -128,7 +128,7 @@ TEST(ConnectTcp, FailsAtTheTimeoutIfTheHostNeverAnswers) {
   EXPECT_THAT(why, HasSubstr("timed out"));
 }
 
-TEST(ConnectTcp, SignalsNeitherEndNorProlongTheAttempt) {
+TEST(ConnectTcp, IsNeitherEndedNorProlongedBySignals) {
   const SignalStorm storm;
   const Listener listener = Listener::onLoopback(0);
   const auto [seconds, why] = connectUntilSilent(

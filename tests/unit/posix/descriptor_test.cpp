@@ -219,7 +219,7 @@ TEST(TerminalDescriptor, ReportsNoBytesUnderWay) {
   EXPECT_FALSE(link.hasUnderWay());
 }
 
-TEST(Descriptor, ThatIsNoPrinterReportsNoStateOfAPort) {
+TEST(Descriptor, ReportsNoPortStateIfItIsNoPrinter) {
   for (const auto kind : {Descriptor::Kind::UsbPrinter, Descriptor::Kind::Terminal}) {
     const Descriptor null(::open("/dev/null", O_RDWR | O_CLOEXEC), kind);
     EXPECT_EQ(null.portState(), "");

@@ -92,7 +92,7 @@ TEST_F(LinkTest, AConnectionCheckDuringAWaitDoesNotTakeTheReply) {
   }
 }
 
-TEST_F(LinkTest, ManyConnectionChecksNeverTakeTheReplyOfAWait) {
+TEST_F(LinkTest, AWaitGetsEveryReplyDespiteManyConnectionChecks) {
   std::atomic<bool> stop = false;
   std::thread answering([this] {
     std::uint8_t request = 0;
@@ -161,7 +161,7 @@ TEST_F(LinkTest, AnAnswerIsCountedEvenAfterAWriteThatIsNeverAnswered) {
   EXPECT_FALSE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AWriteThatIsNeverAnsweredLeavesAnEarlierRequestUnanswered) {
+TEST_F(LinkTest, ARequestRemainsUnansweredAfterALaterWriteThatNeedsNoAnswer) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   output->setMayBeAnswered(false);
@@ -169,7 +169,7 @@ TEST_F(LinkTest, AWriteThatIsNeverAnsweredLeavesAnEarlierRequestUnanswered) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, BytesAreStillExpectedAfterALateReplyUntilAWaitEndsWithoutBytes) {
+TEST_F(LinkTest, AfterALateReplyMoreBytesAreExpectedUntilAWaitFindsNone) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   ASSERT_EQ(ask(), 1);
@@ -276,7 +276,7 @@ TEST_F(LinkTest, AnEndedSessionIsNotALostLink) {
   EXPECT_EQ(accessory.portState(), "");
 }
 
-TEST_F(LinkTest, ALossIsLeftToTheThreadThatWaitsForBytes) {
+TEST_F(LinkTest, AThreadThatWaitsForBytesNoticesALossItself) {
   ASSERT_EQ(ask(), 1);
   SleepingThread waiting([this] { input->waitUntilReady(30); });
   waiting.awaitSleep();

@@ -80,7 +80,7 @@ int groupSocket(unsigned group) {
   return ::bind(number, generic, sizeof address) == 0 ? number : (::close(number), -1);
 }
 
-TEST(LostDeviceNotices, EndAWaitBecauseTheyMayHaveReportedAPrinter) {
+TEST(LostNotices, EndAWaitBecauseTheyMayHaveReportedAPrinter) {
   constexpr unsigned group = 1;
   const int receiver = groupSocket(group);
   if (receiver < 0) {

@@ -53,7 +53,7 @@ TEST(PosixPlatform, HasNoAccessoriesByDefault) {
   EXPECT_TRUE(PosixPlatform().sharedAccessoryManager().connectedAccessories().empty());
 }
 
-TEST(PosixPlatform, OffersNoAddressReader) {
+TEST(PosixPlatform, DoesNotReadBluetoothAddresses) {
   EXPECT_FALSE(PosixPlatform().sharedAccessoryManager().readsAddresses());
 }
 
@@ -69,7 +69,7 @@ TEST(PosixPlatform, RecognisesTheMainThread) {
   std::thread([&] { EXPECT_FALSE(platform.isMainThread()); }).join();
 }
 
-TEST(PosixPlatform, IgnoresTheBrokenPipeSignalAgainAtEachCall) {
+TEST(PosixPlatform, SetsTheBrokenPipeSignalToIgnoredAtEachCall) {
   PosixPlatform platform;
   for (int i = 0; i < 2; ++i) {
     std::signal(SIGPIPE, SIG_DFL);

@@ -74,7 +74,7 @@ TEST(RunLoop, ASliceOfZeroOrNegativeTimeReturnsAtOnce) {
   onThread(slices);
 }
 
-TEST(RunLoop, WaitsForTheStreamDuringTheRestOfTheSlice) {
+TEST(RunLoop, WaitsForTheStreamDuringItsRemainingTime) {
   const auto slice = [] {
     RecordingStream stream;
     const Stopwatch watch;

@@ -242,7 +242,7 @@ TEST(SerialLine, RefusesALineWithoutTheGivenFlowControl) {
             console.path() + ": the line has no flow control by RTS and CTS: Invalid argument");
 }
 
-TEST(SerialLine, NeedsNoDriverThatHasAnExclusiveMode) {
+TEST(SerialLine, OpensEvenIfTheDriverHasNoExclusiveMode) {
   const Console console("/dev/tty60");
   if (!console.isFree()) {
     GTEST_SKIP() << "this user cannot open " << console.path();
@@ -267,7 +267,7 @@ TEST(SerialLine, NamesTheProgramThatUsesTheLine) {
                     HasSubstr("(process " + std::to_string(other.process()) + ")")));
 }
 
-TEST(SerialLine, CallsAProgramWithoutANameAProgram) {
+TEST(SerialLine, IdentifiesAProgramWithoutANameByItsProcess) {
   const Line line;
   const OtherProgram other(line.path(),
                            [](int held) { return lock(held) && ::prctl(PR_SET_NAME, "") == 0; });
@@ -289,7 +289,7 @@ TEST(SerialLine, IsRefusedEvenToRootDuringExclusiveUseByAnotherProgram) {
   EXPECT_THAT(failure(line.path()), HasSubstr("in use by another program"));
 }
 
-TEST(SerialLine, NamesAProgramOfAnotherUserByItsLock) {
+TEST(SerialLine, FindsAProgramOfAnotherUserByTheLockOnTheLine) {
   const Line line;
   const OtherProgram other(line.path());
   const pid_t child = ::fork();

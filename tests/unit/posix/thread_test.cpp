@@ -60,14 +60,14 @@ TEST(PosixThread, RunsEveryRoutineOnItsOwnThread) {
   EXPECT_NE(first, std::this_thread::get_id());
 }
 
-TEST(PosixThread, RefusesARoutineBeforeItHasStarted) {
+TEST(PosixThread, RefusesARoutineBeforeTheThreadStarts) {
   PosixThread thread([] {});
   bool ran = false;
   EXPECT_FALSE(thread.performAndWait([&] { ran = true; }));
   EXPECT_FALSE(ran);
 }
 
-TEST(PosixThread, AcceptsARoutineAsSoonAsItIsStarted) {
+TEST(PosixThread, AcceptsARoutineAsSoonAsTheThreadIsStarted) {
   for (int i = 0; i < 50; ++i) {
     TurningThread turning;
     bool ran = false;
@@ -76,7 +76,7 @@ TEST(PosixThread, AcceptsARoutineAsSoonAsItIsStarted) {
   }
 }
 
-TEST(PosixThread, RefusesARoutineAfterItsFunctionHasEnded) {
+TEST(PosixThread, RefusesARoutineAfterTheThreadsFunctionHasEnded) {
   PosixThread thread([] {});
   ASSERT_TRUE(thread.start());
   EXPECT_TRUE(eventually([&] { return !thread.performAndWait([] {}); }));
@@ -85,7 +85,7 @@ TEST(PosixThread, RefusesARoutineAfterItsFunctionHasEnded) {
   EXPECT_FALSE(ran);
 }
 
-TEST(PosixThread, RunsEveryRoutineThatItAcceptsDuringItsEnd) {
+TEST(PosixThread, RunsEveryAcceptedRoutineEvenIfTheThreadIsEnding) {
   int accepted = 0;
   for (int i = 0; i < 10'000; ++i) {
     PosixThread thread([] {});

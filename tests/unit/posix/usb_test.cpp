@@ -103,7 +103,7 @@ TEST_F(UsbTest, IgnoresAFieldWithoutAValueInTheDeviceId) {
   EXPECT_EQ(printer.model, "T");
 }
 
-TEST(UsbPrinter, IsTheSameDeviceIfAllItsTextsAreAndWithoutASerialNumberItsNodeAsWell) {
+TEST(UsbPrinter, IsIdentifiedByItsTextsAndAlsoByItsDeviceFileIfTheSerialNumberIsMissing) {
   const UsbPrinter one{"/dev/usb/lp0", "04b8", "0202", "S1", "Maker", "Model"};
   const UsbPrinter elsewhere{"/dev/usb/lp1", "04b8", "0202", "S1", "Maker", "Model"};
   EXPECT_TRUE(one.isSameDevice(elsewhere));
@@ -121,7 +121,7 @@ TEST(UsbPrinter, IsTheSameDeviceIfAllItsTextsAreAndWithoutASerialNumberItsNodeAs
   EXPECT_FALSE(nameless.isSameDevice(namelessElsewhere));
 }
 
-TEST(UsbPrinter, IsCalledByItsMakerAndItsModelAsFarAsTheyAreKnown) {
+TEST(UsbPrinter, IsNamedByItsMakerAndItsModelAsFarAsTheyAreKnown) {
   UsbPrinter printer;
   EXPECT_EQ(printer.makerAndModel(), "");
   printer.maker = "Maker";
@@ -132,7 +132,7 @@ TEST(UsbPrinter, IsCalledByItsMakerAndItsModelAsFarAsTheyAreKnown) {
   EXPECT_EQ(printer.makerAndModel(), "Model");
 }
 
-TEST(UsbErrors, OfAPrinterThatAnotherProgramHoldsMeanBusyAndOthersOnlyThemselves) {
+TEST(UsbErrors, TheErrorOfAPrinterInUseMeansBusyUnlikeOtherErrors) {
   const auto errorOf = [](UsbError error) {
     return std::error_code(static_cast<int>(error), usbCategory());
   };
@@ -147,7 +147,7 @@ TEST_F(UsbTest, OtherDevicesOfTheDriverAreNotListed) {
   EXPECT_EQ(usbPrinters(roots()).size(), 1U);
 }
 
-TEST_F(UsbTest, APrinterWithoutTextsIsCalledByItsPlace) {
+TEST_F(UsbTest, APrinterWithoutTextsIsNamedByItsSchemeAndPlace) {
   plugIn(0, "", "");
   UsbAccessory accessory({}, "04b8:0202", roots());
   EXPECT_EQ(accessory.name(), "usb:04b8:0202");
@@ -164,7 +164,7 @@ TEST_F(UsbTest, AnAccessoryWithoutItsPrinterHasOnlyTheTextsThatWereGiven) {
   EXPECT_EQ(accessory.modelNumber(), std::nullopt);
 }
 
-TEST_F(UsbTest, PrintersWithoutTextsAreListedByTheirNodesAlone) {
+TEST_F(UsbTest, PrintersWithoutTextsAreListedByTheirDeviceFilesAlone) {
   plugIn(0, "", "");
   plugIn(1, "", "");
   std::string text;
@@ -328,7 +328,7 @@ TEST_F(UsbTest, FindsAReplacedPrinterByItsTextsAndNotByItsDeviceFile) {
   EXPECT_FALSE(accessory.protocolStrings().empty());
 }
 
-TEST_F(UsbTest, APrinterWithoutASerialNumberIsReplacedByThePrinterAtItsDeviceFile) {
+TEST_F(UsbTest, ANewPrinterAtTheDeviceFileReplacesAPrinterWithoutASerialNumber) {
   plugIn(0, till, "");
   UsbAccessory accessory({}, (roots().dev / "usb/lp0").string(), roots());
   EXPECT_EQ(accessory.modelNumber(), "XQ700");
