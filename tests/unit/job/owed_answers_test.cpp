@@ -38,7 +38,7 @@ TEST(OwedAnswers, AreCountedForEachRequest) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, IgnoreUnaskedAnswersAfterTheSurplusIsCleared) {
+TEST(OwedAnswers, DoNotMatchForgottenSurplusAnswersToLaterRequests) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.read(statusBlock);
   answers.written(lineModeRequest);

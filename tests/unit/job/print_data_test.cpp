@@ -155,13 +155,13 @@ TEST(ConfirmationObstacle, NamesTheCommandAndItsOffset) {
               HasSubstr("an end-of-block mark (17), which the printer counts at byte 1,204"));
 }
 
-TEST(ConfirmationObstacle, NamesTheUnknownCommandBeforeTheObstacle) {
+TEST(ConfirmationObstacle, NamesAnUnknownCommandThatPrecedesAnEndMark) {
   EXPECT_THAT(
       confirmationObstacle(Bytes{'a', 0x1b, 0xff, 'b', 0x17}, ZKEmulationESCPOS).value_or(""),
       HasSubstr("the command at byte 1 is not known"));
 }
 
-TEST(IsNeverAnswered, IsTrueForTextImagesAndUsualCommands) {
+TEST(NeverAnsweredData, IncludesTextAndImagesAndUsualCommands) {
   const Bytes quiet[] = {
       {},
       {'a', '\n'},
@@ -176,7 +176,7 @@ TEST(IsNeverAnswered, IsTrueForTextImagesAndUsualCommands) {
   }
 }
 
-TEST(IsNeverAnswered, IsFalseForRequestsUnknownCommandsAndVeryLongData) {
+TEST(NeverAnsweredData, ExcludesRequestsAndUnknownCommandsAndVeryLongData) {
   const Bytes answered[] = {
       {'a', 0x10, 0x04, 0x01},
       {0x1d, 0x72, 0x01},
@@ -219,7 +219,7 @@ TEST(CommandEnd, IsTheEndOfTheCommandThatContainsTheOffset) {
   EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
-TEST(ObstacleToAnEndSign, IsACommandOutsideImagesThatMakesThePrinterDropData) {
+TEST(ObstacleToASignAfterTheData, IsACommandOutsideImagesThatMakesThePrinterDropData) {
   EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
   for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
@@ -229,12 +229,12 @@ TEST(ObstacleToAnEndSign, IsACommandOutsideImagesThatMakesThePrinterDropData) {
   }
 }
 
-TEST(ObstacleToAnEndSign, IsAnIncompleteCommandAtTheEndOfTheData) {
+TEST(ObstacleToASignAfterTheData, IsAnIncompleteCommandAtTheEndOfTheData) {
   EXPECT_THAT(endSignObstacle(Bytes{'a', 0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}).value_or(""),
               HasSubstr("the data ends inside the command that begins at byte 1"));
 }
 
-TEST(ObstacleToAnEndSign, CanOnlyBeARealTimeCommandInsideAnImage) {
+TEST(ObstacleToASignAfterTheData, InsideAnImageCanOnlyBeTheRealTimeClearCommand) {
   for (const Bytes& before : {Bytes{}, Bytes{'a'}}) {
     Bytes data = before;
     data.insert(data.end(), {0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03});
@@ -249,7 +249,7 @@ TEST(ObstacleToAnEndSign, CanOnlyBeARealTimeCommandInsideAnImage) {
               HasSubstr("drops data"));
 }
 
-TEST(InOrderRequests, AreCountedOutsidePayloadsAndParameters) {
+TEST(InOrderRequests, AreCountedOnlyOutsidePayloadsAndParameters) {
   const std::pair<Bytes, std::uint64_t> rows[] = {
       {{}, 0},
       {{'a', '\n'}, 0},

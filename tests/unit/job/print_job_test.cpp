@@ -123,7 +123,7 @@ TEST_P(InBothEmulations, AJobThatPrintsLongerThanTheEndTimeoutIsUnconfirmed) {
   EXPECT_LT(clock.monotonic() - end, milliseconds(5000)) << "limits count in whole seconds";
 }
 
-TEST_P(InBothEmulations, AJobWhoseEndIsNotAnsweredReportsNoEarlierStatus) {
+TEST_P(InBothEmulations, AnUnconfirmedJobReportsOnlyAStatusThatFollowsTheData) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   till.port->close();
   till.accessory->setFaults(with("at", "2000:drop-reply=all"));

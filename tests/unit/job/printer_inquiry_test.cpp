@@ -159,7 +159,7 @@ TEST(PrinterInquiry, AsksForTheOnlineStateAgainAfterBytesThatAreNotAnAnswer) {
   EXPECT_GE(asked.now() - start, std::chrono::seconds(5)) << "such bytes end no wait for an answer";
 }
 
-TEST(PrinterInquiry, AsksForTheOnlineStateTwiceIfBothAnswersAreComplete) {
+TEST(PrinterInquiry, AsksAnAnsweringPrinterForTheOnlineStateTwice) {
   Asked asked(Script().wheneverAsked(statusRequest, {{onLine, 0.0}}));
   EXPECT_TRUE(asked.inquiry.isOnline());
   EXPECT_EQ(asked.inquiry.heard(), test::operator+(onLine, onLine));

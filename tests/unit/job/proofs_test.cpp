@@ -69,7 +69,7 @@ TEST(StrongestProof, IsChosenEvenIfAWeakerProofIsAnsweredFirst) {
   EXPECT_EQ(PrintJob(till.port).run(receiptText).proof, ProofKind::Block);
 }
 
-TEST(PrinterWithoutProof, LeavesTheJobUnconfirmedDirectlyAfterTheData) {
+TEST(PrinterWithoutProof, LeavesTheJobUnconfirmedWithoutWaitingForAConfirmation) {
   Till till = tillWith(printerWith("none"));
   const auto start = till.platform->clock().monotonic();
   const PrintResult result = PrintJob(till.port).run(receiptText);
@@ -91,7 +91,7 @@ TEST(PrinterWithoutProof, IsAskedForProofsOnlyOnceOnAPort) {
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST(PrinterWithoutProof, OwesAnAnswerToTheInOrderRequestAfterTheJob) {
+TEST(PrinterWithoutProof, StillOwesTheInOrderAnswerWhenTheJobEnds) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(memoryOf(till.port).owed.empty());
   PrintJob(till.port).run(receiptText);
@@ -147,7 +147,7 @@ TEST(NamedProof, TheValueNoneLeavesTheJobUnconfirmed) {
   EXPECT_EQ(result.proof, ProofKind::None);
 }
 
-TEST(NamedProof, TheValueNoneNeedsNoEmulation) {
+TEST(NamedProof, TheValueNoneWorksInAnUnknownEmulation) {
   Till till(PrinterBuilder(), {.emulation = ZKEmulationUnknown, .proof = ProofKind::None});
   EXPECT_THAT(PrintJob(till.port).run(receiptText).reason,
               testing::HasSubstr("no confirmation was requested"));
@@ -185,7 +185,7 @@ TEST_P(ProofByASignAfterTheData, WaitsForAPausedPrinterAndReportsTheCause) {
   EXPECT_THAT(waits, testing::Contains("cover open"));
 }
 
-TEST_P(ProofByASignAfterTheData, IsUnconfirmedWithItsCauseAtTheEndTimeout) {
+TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedAtTheEndTimeoutAndReportsTheCause) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(5000);
   till.after(milliseconds(2000), "coverOpen", true);
@@ -208,7 +208,7 @@ TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedIfThePrinterLacksTheProo
   EXPECT_EQ(printBy(till).outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(ProofByASignAfterTheData, IsNotAffectedByItsRequestInsideTheData) {
+TEST_P(ProofByASignAfterTheData, IsUnaffectedByARequestForASignInsideTheData) {
   for (const char* const question : {"1d 28 48 06 00 30 30 41 42 43 44", "1d 72 01"}) {
     for (const char* const wrapped : {"", "1d 76 30 00 0b 00 01 00 "}) {
       ByteBuffer data = test::bytes(std::string(wrapped) + question);
@@ -381,7 +381,7 @@ TEST(ProcessIds, AreNotIdsThatTheDataItselfAsksFor) {
   EXPECT_EQ(std::count(paper.begin(), paper.end(), 'x'), 200);
 }
 
-TEST(InOrderProof, ConfirmsNoDataThatAsksQuestionsWithSimilarAnswers) {
+TEST(InOrderProof, DoesNotConfirmDataThatRequestsAnswersLikeInOrderAnswers) {
   Till till = tillWith(printerWith("in-order"));
   const PrintResult result = PrintJob(till.port).run(ByteBuffer{'a', 0x1d, 0x49, 0x41, '\n'});
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);

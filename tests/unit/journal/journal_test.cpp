@@ -221,7 +221,7 @@ TEST_F(JournalTest, DoesNotForgetAJobThatIsBeingPrinted) {
   EXPECT_EQ(Journal(file).forget("receipt 1"), Forgetting::BeingPrinted);
 }
 
-TEST_F(JournalTest, ForgetsAJobOnceIfTwoThreadsForgetTheJobAtOnce) {
+TEST_F(JournalTest, ForgetsEachJobExactlyOnceIfTwoThreadsTry) {
   Till till(ZKEmulationQuorLine);
   constexpr int jobs = 50;
   std::array<std::atomic<int>, 3> answers = {};

@@ -105,7 +105,7 @@ TEST_P(NamedJobTest, ARefusedJobIsPrintedAfterTheCauseHasEnded) {
   EXPECT_FALSE(second.isRepeated);
 }
 
-TEST_P(NamedJobTest, AnUnconfirmedJobIsReportedWithItsCauseAndSendsNothing) {
+TEST_P(NamedJobTest, RepeatingAnUnconfirmedJobReportsItsCauseAndSendsNothing) {
   Till slow(simulator::PrinterBuilder().speed(1), {.emulation = GetParam()});
   slow.port->setEndCheckedBlockTimeoutMillis(0);
   const auto first = print(slow, "receipt 1");
@@ -262,7 +262,7 @@ TEST_P(NamedJobTest, ALaterAttemptIsNotMarkedAsReportedToAPerson) {
   EXPECT_FALSE(NamedJob(journal, request("receipt 1"), receiptText).answer()->told);
 }
 
-TEST_P(NamedJobTest, MarkingAJobAsReportedDuringPrintingDoesNotDamageTheJournal) {
+TEST_P(NamedJobTest, AJobMarkedAsReportedWhilePrintingIsStillRecordedAsPrinted) {
   Journal journal(file);
   NamedJob printing(journal, request("receipt 1"), receiptText);
   PrintJob job(till.port, printing.recorded({.progress = [this](const PrintProgress& progress) {
