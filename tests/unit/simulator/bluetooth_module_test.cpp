@@ -40,7 +40,7 @@ TEST(BluetoothModule, AnswersAnEndlessCommandWithAnError) {
   EXPECT_EQ(session.receive(), ascii("\r\nERROR\r\n"));
 }
 
-TEST(BluetoothModule, AnswersAKnownCommandWithTrailingBytesWithAnError) {
+TEST(BluetoothModule, ReturnsAnErrorIfBytesFollowAKnownCommand) {
   Session session;
   enterCommandMode(session);
   for (const char* command :

@@ -133,7 +133,7 @@ TEST(CodePageSetting, AcceptsOnlyNumbersWithKnownNames) {
   EXPECT_THROW(sets.setMultiByte("utf-8"), std::invalid_argument);
 }
 
-TEST(Utf8Text, IsReadOnlyIfThePrinterSupportsUtf8) {
+TEST(Utf8Text, IsRecognisedOnlyIfThePrinterSupportsUtf8) {
   for (const std::string_view name : profileNames()) {
     EXPECT_NE(Print(hex("c3 a9 0a"), profile(name)).text(), "é") << name;
   }

@@ -103,7 +103,7 @@ TEST(DataTimeout, RunsFromTheLastReceivedByte) {
   EXPECT_EQ(session.printer.buffered(), 0U);
 }
 
-TEST(DataTimeout, DoesNotRemovePrintThatIsOnPaper) {
+TEST(DataTimeout, DropsNoDataThatIsAlreadyOnPaper) {
   Session session(slow());
   session.send(hex(fiveSeconds) + hex(dataCancel) + Bytes(100, 'x'));
   session.wait(1h);
@@ -121,7 +121,7 @@ TEST(DataTimeout, IsNotEndedByAnotherDataCancel) {
   EXPECT_EQ(session.printer.printed(), ascii("kept"));
 }
 
-TEST(DataTimeout, DropsNothingIfItIsZeroOrNoDataCancelPrecedes) {
+TEST(DataTimeout, DropsNothingIfItIsZeroOrTheDataCancelCommandIsMissing) {
   const std::string_view commands[] = {fiveSeconds, "1b1d03050105 1b1d03030000 1b1d03040000",
                                        "1b1d03050100 1b1d03030000", dataCancel, never};
   for (std::string_view before : commands) {

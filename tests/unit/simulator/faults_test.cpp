@@ -52,7 +52,7 @@ TEST(InjectedFaults, NoSpaceFaultLeavesNoSpaceForTheGivenTime) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(InjectedFaults, AStallOrACutCountsTheBytesOfAllWrites) {
+TEST(InjectedFaults, TheByteCountOfAStallOrALinkCutIncludesAllWrites) {
   for (const auto& [name, value] : {std::pair{"no-space", "4:1500"}, {"cut-after-in", "4"}}) {
     Session session(with(name, value));
     EXPECT_EQ(session.link->write(ascii("abc"), session.now), 3U) << name;
@@ -171,7 +171,7 @@ TEST(InjectedFaults, ALinkIsCutAfterTheGivenReceivedBytesAndItsAnswersCanBeRead)
   EXPECT_EQ(session.printer.printed(), ascii("ab"));
 }
 
-TEST(InjectedFaults, ALinkCutAtOnceLosesUnreadBytes) {
+TEST(InjectedFaults, AnImmediateLinkCutLosesUnreadBytes) {
   Session session(with("cut-after-in", "3:at-once"));
   session.send("100401");
   EXPECT_FALSE(session.link->connected(session.now));
@@ -197,7 +197,7 @@ TEST(InjectedFaults, ALinkIsCutAfterTheGivenNumberOfSentBytes) {
   }
 }
 
-TEST(InjectedFaults, TheFirstOfSeveralCutsEndsTheLink) {
+TEST(InjectedFaults, TheFirstOfSeveralLinkCutsEndsTheLink) {
   for (const auto& [first, second] : {std::pair{"3:reset", "5:drain"}, {"5:drain", "3:reset"}}) {
     Session in(also(with("cut-after-in", first), "cut-after-in", second));
     EXPECT_EQ(in.link->write(ascii("abcdef"), in.now), 3U);
@@ -374,7 +374,7 @@ TEST(InjectedFaults, HaveTheDocumentedNames) {
   EXPECT_FALSE(isFault("seed"));
 }
 
-TEST(Faults, ACutDoesNotChangeHowAnEarlierCutEndedTheLink) {
+TEST(Faults, ALinkCutDoesNotChangeHowAnEarlierLinkCutEndedTheLink) {
   Session session;
   session.link->addFault(parseFault("cut", "reset"), session.now);
   session.link->addFault(parseFault("cut", "drain"), session.now);

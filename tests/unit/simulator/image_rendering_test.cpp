@@ -71,7 +71,7 @@ TEST(PaperPicture, ShowsTheColumnsOfABitImageFromTopToBottom) {
   EXPECT_EQ(print.row(23, 0, 4), "#...");
 }
 
-TEST(PaperPicture, ShowsAStoredImageAlignedWhereItIsPrinted) {
+TEST(PaperPicture, ShowsAStoredImageWithTheAlignmentInEffect) {
   const Print print(hex("1b6101 1d284c 0b00 30 70 30 01 01 31 0800 0100 99 1d284c 0200 30 32"));
   EXPECT_EQ(print.row(0, 188, 8), "#..##..#");
   EXPECT_EQ(print.darkIn(0, 0, 384, 4), 4U);
@@ -231,7 +231,7 @@ TEST(PaperPicture, ShowsAQrCodeInTheGivenModuleSize) {
   EXPECT_EQ(print.darkIn(28, 6, 4, 4), 0U);
 }
 
-TEST(PaperPicture, NamesTheCommandsThatItOmitsBelowThePaper) {
+TEST(PaperPicture, ListsOmittedCommandsBelowThePaper) {
   const unsigned without = Print(ascii("text\n")).picture().height;
   const Print with(hex("1c99") + ascii("text\n"));
   EXPECT_EQ(with.picture().height, without + 24 + 6);

@@ -37,7 +37,7 @@ TEST(PrinterLink, DoesNotSendAnUnreadReplyToTheNextLink) {
       << "a report is sent to any host that is connected";
 }
 
-TEST(PrinterLink, DoesNotStopThePrinterWhenItIsCut) {
+TEST(PrinterLink, DoesNotStopThePrinterWhenTheLinkIsCut) {
   Session session(PrinterBuilder().speed(10), with("cut-after-in", "20"));
   ASSERT_TRUE(session.send(Bytes(20, 'x')));
   EXPECT_TRUE(session.link->dropped(session.now));

@@ -329,7 +329,7 @@ TEST(VirtualPrinter, TearsOffAnUnfinishedLineWithThePaper) {
   EXPECT_EQ(session.printer.tearOff().items().size(), 1U);
 }
 
-TEST(VirtualPrinter, TreatsEachConnectionWithPrintAsAJob) {
+TEST(VirtualPrinter, TreatsEachConnectionThatPrintsAsAJob) {
   Session session(slow());
   std::vector<std::string> jobs;
   session.printer.keepJobs([&jobs](const Paper& paper) { jobs.push_back(renderText(paper)); });

@@ -95,7 +95,7 @@ TEST(LackedCommands, AreGivenInHexOnly) {
   }
 }
 
-TEST(Profile, IsRefusedIfALineIsWrongAndThenChangesNothing) {
+TEST(Profile, IsRefusedWithoutAnyChangeIfALineIsWrong) {
   PrinterState state;
   const std::string path = fileOf("maker=Mine\npaper=59\n");
   EXPECT_THAT([&] { applyProfile(path, state); }, ThrowsMessage<std::invalid_argument>(AllOf(

@@ -97,7 +97,7 @@ TEST(ProcessId, IsAnsweredEvenIfItsCommandArrivesInPieces) {
   }
 }
 
-TEST(ProcessId, RequestInsideAnImageIsNotAnswered) {
+TEST(ProcessId, IsNotReturnedForARequestInsideAnImage) {
   Session session;
   EXPECT_EQ(session.ask("1d 76 30 00 0b 00 01 00 1d 28 48 06 00 30 30 41 42 43 44"), Bytes{});
   EXPECT_EQ(session.ask("1d 76 30 00 03 00 01 00 1d 72 01"), Bytes{});
@@ -238,7 +238,7 @@ TEST(FaultsOfOneReplyKind, AForeignReplyPrecedesTheRightReply) {
   EXPECT_EQ(status.ask("1d7201"), hex("00 00"));
 }
 
-TEST(FaultsOfOneReplyKind, TheCountOfAForeignBlockReportIsAlwaysWrong) {
+TEST(FaultsOfOneReplyKind, ABlockReportForAnotherHostsJobNeverHasTheRightCount) {
   std::set<std::uint8_t> counts;
   for (unsigned seed = 0; seed < 2000; ++seed) {
     Faults faults = with("foreign-reply", "block");
