@@ -198,7 +198,7 @@ TEST(OpenCause, MatchesItsErrorNumberInTheSystemAndGenericCategoriesOnly) {
   EXPECT_FALSE(busy.fits({ENOENT, std::system_category()}));
 }
 
-TEST(Schemes, AnUnknownHostHasTheCauseOfTheResolverWhateverItsCode) {
+TEST(Schemes, TcpHasExactlyOneCauseForEachResolverError) {
   const auto& causes = findScheme("tcp")->causes;
   for (const int code : {EAI_NONAME, EAI_AGAIN, EAI_FAIL}) {
     const std::error_code error(code, posix::resolverCategory());

@@ -86,7 +86,7 @@ TEST(Devices, TheVirtualPrinterIsNotLostAfterTheEndOfItsSession) {
   EXPECT_TRUE(simulated->isConnected());
 }
 
-TEST(Devices, AUsbPrinterIsNotNamedByItsPlaceAlone) {
+TEST(Devices, AMissingUsbPrinterIsNamedBySchemeAndPlaceByDefault) {
   EXPECT_EQ(make("usb:no such printer")->name(), "usb:no such printer");
   EXPECT_EQ(make("usb:no such printer,name=Till")->name(), "Till");
 }
@@ -154,7 +154,7 @@ TEST(Devices, ASchemeWithoutAPlaceMeansAllDevicesOfTheScheme) {
   EXPECT_EQ(devicesMeantBy("pigeon:"), Texts{"pigeon:"});
 }
 
-TEST(Devices, ConnectDevicesSetsThePlatformOfTheProcess) {
+TEST(Devices, ConnectingDevicesSetsThePlatformOfTheProcess) {
   const auto platform = connectDevices({"unix:/a,id=4", "tcp:127.0.0.1:9,id=3"});
   EXPECT_EQ(processPlatform(), platform);
   const auto accessories = platform->sharedAccessoryManager().connectedAccessories();

@@ -45,12 +45,12 @@ TEST(BackEndJob, HasOneCopyIfItsDataIsReadFromAPipe) {
   EXPECT_EQ(job.controlFile, "/var/spool/cups/c123456");
 }
 
-TEST(BackEndJob, HasTheTimeAtWhichTheSchedulerCompletedTheJobBefore) {
+TEST(BackEndJob, ReadsTheTimeOfTheJobsEarlierCompletion) {
   EXPECT_EQ(parse({"quor", "1", "a", "t", "1", "job-uuid=a time-at-completed=1795316641"}).ended,
             1795316641);
 }
 
-TEST(BackEndJob, IsOfAClassIfTheSchedulerNamesTheClass) {
+TEST(BackEndJob, IsOfAPrinterClassIfTheVariableClassIsSet) {
   Variables variables = usual;
   variables["CLASS"] = "tills";
   EXPECT_TRUE(parse({"quor", "1", "a", "t", "1", ""}, variables).isOfClass);
@@ -75,7 +75,7 @@ TEST(BackEndJob, RefusesAWrongNumberOfArgumentsOrCopies) {
   }
 }
 
-TEST(BlocksOfAJob, AreOneForEachCopy) {
+TEST(BlocksOfAJob, ContainOneCopyEach) {
   BackEndJob job;
   job.name = "receipt";
   job.copies = 2;

@@ -123,7 +123,7 @@ TEST(StateReasons, ListContainsOnlyReasonsThatTheBackEndReports) {
   EXPECT_FALSE(everyReason().count("toner-low-warning"));
 }
 
-TEST(StateBits, AreTheSideChannelsBitsForThePrinterStatus) {
+TEST(SideChannelBits, ShowThePrinterStatus) {
   EXPECT_EQ(stateBitsOf({}), CUPS_SC_STATE_ONLINE);
   QuorPrinterStatus_2 record = status(&QuorPrinterStatus_2::receiptPaperEmpty);
   record.offline = 1;

@@ -150,7 +150,7 @@ TEST(LogDelivery, LogsDroppedRecordsAsAnErrorWithTheTimeOfTheFirstDrop) {
   EXPECT_EQ(drop.object, "0x0");
 }
 
-TEST(LogDelivery, DeliversOrCountsAsDroppedEveryRecordOfEightThreads) {
+TEST(LogDelivery, DeliversEachRecordOfEightThreadsOrCountsItAsDropped) {
   constexpr int threadCount = 8;
   constexpr int recordCount = 2000;
   LogDelivery delivery;
@@ -250,7 +250,7 @@ TEST(LogDelivery, IgnoresTheRemovalOfASinkThatWasNeverAdded) {
   EXPECT_THAT(sink->messages(), ElementsAre("a"));
 }
 
-TEST(LogDelivery, ReportsAFailingSinkOnceAndContinuesWithTheOthers) {
+TEST(LogDelivery, ReportsAFailingSinkOnceAndContinuesWithTheOtherSinks) {
   const test::RedirectedStandardError redirected;
   LogDelivery delivery;
   const auto healthy = std::make_shared<KeepingSink>();

@@ -111,7 +111,7 @@ TEST_F(LogQueueTest, RemainsFullUntilItsRecordsAreTaken) {
   EXPECT_EQ(batch.dropped, 2U);
 }
 
-TEST_F(LogQueueTest, KeepsQueuedRecordsBeyondASmallerCapacity) {
+TEST_F(LogQueueTest, KeepsQueuedRecordsWhenItsCapacityIsReduced) {
   queue_.open();
   push("a");
   push("b");

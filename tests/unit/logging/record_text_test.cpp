@@ -34,7 +34,7 @@ std::string readableOf(const LogRecord& record) {
   return out;
 }
 
-TEST(RecordText, WritesEveryFieldOfARecordAsOneJsonObjectPerLine) {
+TEST(RecordText, WritesARecordWithAllFieldsAsOneLineOfJson) {
   EXPECT_EQ(jsonOf(fullRecord()),
             R"({"time":"2024-02-29T23:59:58.001042Z","thread":4711,"type":3,)"
             R"("typeName":"InternalMethodEnd","level":-1,"object":"0x7ffe00001000",)"

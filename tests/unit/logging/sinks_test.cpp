@@ -123,7 +123,7 @@ TEST(CallbackSink, EscapesTheObjectEvenIfTheMessageNeedsNoEscape) {
   EXPECT_EQ(seen, "c\\nd");
 }
 
-TEST(CallbackSink, CallsTheFunctionAfterAnExceptionAndRethrowsTheFirst) {
+TEST(CallbackSink, CallsTheFunctionForEveryRecordAndRethrowsTheFirstException) {
   std::vector<std::string> seen;
   CallbackSink sink([&](const LogRecord& record) {
     seen.push_back(record.message);

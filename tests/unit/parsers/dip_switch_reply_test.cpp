@@ -31,7 +31,7 @@ std::optional<Place> settingsByText(const Bytes& bytes) {
   return Place{static_cast<std::int32_t>(start + 4), static_cast<std::int32_t>(end - start - 4)};
 }
 
-TEST(DipSwitchReply, IsFoundWithAnyTwoSettingBytesInBothBanks) {
+TEST(DipSwitchReply, IsFoundForEitherBankWithAnyPairOfSettingBytes) {
   for (const char bank : {'1', '2'}) {
     for (unsigned value = 0; value < 0x10000; ++value) {
       const Bytes pair = {static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)};

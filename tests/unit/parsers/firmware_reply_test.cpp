@@ -35,14 +35,14 @@ std::optional<Place> textByTrial(const Bytes& bytes) {
   return std::nullopt;
 }
 
-TEST(FirmwareReply, IsFoundWithTextsOfOneToSixtyFourCharacters) {
+TEST(FirmwareReply, IsFoundWithATextOf1To64Characters) {
   for (std::int32_t length = 1; length <= 64; ++length) {
     const Bytes reply = head + Bytes(static_cast<std::size_t>(length), 'v') + tail;
     EXPECT_EQ(text(reply), (Place{3, length}));
   }
 }
 
-TEST(FirmwareReply, IsNotFoundWithNoTextOrMoreThanSixtyFourCharacters) {
+TEST(FirmwareReply, IsNotFoundIfItsTextIsEmptyOrLongerThan64Characters) {
   for (const std::size_t length : {0U, 65U, 66U, 128U}) {
     EXPECT_EQ(text(head + Bytes(length, 'v') + tail), std::nullopt) << length;
   }

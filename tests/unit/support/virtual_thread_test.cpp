@@ -31,7 +31,7 @@ TEST_F(VirtualThreadTest, RunsARoutineAndLetsTheCallerWaitForTheRoutine) {
   pass(5);
 }
 
-TEST_F(VirtualThreadTest, ReleasesARoutineThatItRefusedBeforeItStarted) {
+TEST_F(VirtualThreadTest, ReleasesARoutineThatWasRefusedBeforeTheThreadStarted) {
   const auto performed = std::make_shared<std::atomic<int>>(0);
   EXPECT_FALSE(thread_->performAndWait([performed] { ++*performed; }));
   EXPECT_EQ(performed.use_count(), 1);
@@ -40,7 +40,7 @@ TEST_F(VirtualThreadTest, ReleasesARoutineThatItRefusedBeforeItStarted) {
   EXPECT_EQ(*performed, 0);
 }
 
-TEST_F(VirtualThreadTest, RefusesARoutineAfterItHasEnded) {
+TEST_F(VirtualThreadTest, RefusesARoutineAfterTheThreadHasEnded) {
   ASSERT_TRUE(thread_->start());
   pass(5);
   EXPECT_FALSE(thread_->performAndWait([] { FAIL() << "was performed"; }));

@@ -7,7 +7,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(Number, IsReadOnlyIfItIsTheWholeText) {
+TEST(Number, MustBeTheWholeText) {
   EXPECT_EQ(numberIn<std::uint16_t>("9100"), 9100);
   EXPECT_EQ(numberIn<int>("-7"), -7);
   EXPECT_EQ(numberIn<unsigned>("fF", 16), 255U);
@@ -16,7 +16,7 @@ TEST(Number, IsReadOnlyIfItIsTheWholeText) {
   }
 }
 
-TEST(Number, IsReadOnlyIfItsTypeCanHoldIt) {
+TEST(Number, MustFitIntoItsType) {
   EXPECT_EQ(numberIn<std::uint8_t>("255"), 255);
   EXPECT_EQ(numberIn<std::uint8_t>("256"), std::nullopt);
   EXPECT_EQ(numberIn<unsigned>("-1"), std::nullopt);
