@@ -127,7 +127,7 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceEndsItsOutput) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, UnreadBytesBeforeTheEndOfTheDevicesOutputDoNotShortenAWaitForSpace) {
+TEST_P(LinkContract, UnreadBytesHideTheEndOfOutputFromAWaitForSpace) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }

@@ -133,7 +133,7 @@ TEST_F(InterruptionTest, EndsAnExchangeThatNeverSleeps) {
   EXPECT_NO_THROW(interruption_.check());
 }
 
-TEST_F(InterruptionTest, DoesNotEndASleepAfterTheExchange) {
+TEST_F(InterruptionTest, AnInterruptionDuringAnExchangeDoesNotEndASleepAfterTheExchange) {
   interruption_.beginExchange();
   interruption_.interrupt(ExitCode::Interrupted);
   interruption_.end();
@@ -142,7 +142,7 @@ TEST_F(InterruptionTest, DoesNotEndASleepAfterTheExchange) {
   EXPECT_GE(std::chrono::steady_clock::now() - before, 1ms);
 }
 
-TEST_F(InterruptionTest, EndsTheCommandAfterTheExchangeIfItArrivedDuringTheExchange) {
+TEST_F(InterruptionTest, AnInterruptionDuringTheLastStageEndsTheCommandAfterTheStage) {
   interruption_.beginExchange();
   interruption_.end();
   interruption_.interrupt(ExitCode::Interrupted);
