@@ -32,7 +32,7 @@ class PrinterState(Case):
             simulator.set(**{flag: False})
             self.assertIs(simulator.state()[flag], False)
 
-    def test_a_flag_that_stops_the_printer_also_sets_off_line(self):
+    def test_a_flag_that_stops_the_printer_also_takes_the_printer_off_line(self):
         simulator = self.simulator()
         for flag in ["coverOpen", "receiptPaperEmpty", *FLAGS[3:16]]:
             simulator.set(**{flag: True})
@@ -235,7 +235,7 @@ class ControlSocket(Case):
 
 
 class CoverDuringAJob(Case):
-    def test_a_job_is_confirmed_after_its_cover_is_opened_and_closed(self):
+    def test_a_job_is_confirmed_if_the_cover_is_opened_and_closed_during_printing(self):
         simulator = self.simulator("pty:", "--set", "speed=40", "--set", "buffer=64")
         result = []
         job = threading.Thread(target=lambda: result.append(run(

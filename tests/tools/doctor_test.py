@@ -110,7 +110,7 @@ class DoctorCauses(Case):
         self.assertCause("no-permission", 3, "-d", f"serial:{printer.path}", process=self.run_without_rights)
 
     @unittest.skipIf(os.geteuid() != 0, "only root can give the line to a group")
-    def test_doctor_advises_to_join_the_group_of_the_line_unless_it_is_root(self):
+    def test_doctor_advises_joining_the_group_of_the_serial_line_unless_the_group_is_root(self):
         printer = self.serial_printer(termios.B9600)
         os.chmod(printer.path, 0o660)
         for group in ("lp", "root"):
@@ -183,7 +183,7 @@ class DoctorCauses(Case):
         named = self.assertCause("cover-open", 4, "-d", "virtual:coverOpen=true,receiptPaperEmpty=true,jamError=true")
         self.assertEqual(named, ["cover-open", "paper-out", "printer-error"])
 
-    def test_doctor_reports_a_device_with_another_maker_or_protocol(self):
+    def test_doctor_reports_a_device_of_a_different_maker_as_no_printer(self):
         named = self.assertCause("no-printer", 3, "-d", "virtual:manufacturer=somebody")
         self.assertEqual(named, ["no-printer"])
 
@@ -286,7 +286,7 @@ class DoctorBundle(Case):
                                     saying="No such file")
         self.assertEqual(asked, [])
 
-    def test_an_invalid_device_leaves_no_bundle(self):
+    def test_doctor_writes_no_bundle_file_if_the_device_is_invalid(self):
         path = self.folder / "bundle.json"
         self.assertExit(2, run("-d", "pigeon:", "doctor", "--bundle", path))
         self.assertFalse(path.exists())

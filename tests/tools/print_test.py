@@ -119,7 +119,7 @@ class PrintCommand(Case):
                 self.assertIn("cover open", answer["error"])
                 self.assertIn("next: ", result.err)
 
-    def test_a_job_is_refused_after_the_hold_time_out_if_paper_is_in_the_exit(self):
+    def test_a_job_is_refused_if_paper_remains_in_the_exit_until_the_time_out(self):
         result = run("-d", "virtual:,paperPresent=true", "print", "-", "--json", "--hold-print-timeout", "0", data=b"x\n")
         self.assertExit(4, result)
         self.assertEqual(result.json()["resultCode"], -3)

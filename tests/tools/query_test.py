@@ -160,7 +160,7 @@ class ListCommand(Case):
         self.assertEqual(self.listed("-d", peer.place)[0]["chosen"], True)
         self.assertFalse(self.contacted)
 
-    def test_the_answer_of_list_names_the_device_of_the_chosen_accessory(self):
+    def test_the_answer_of_list_contains_the_device_of_the_chosen_accessory(self):
         two = ("-d", "virtual:A", "-d", "virtual:B,id=7")
         self.assertEqual(run(*two, "-p", "BT:B", "list", "--json").json()["device"], "virtual:B,id=7")
         self.assertIsNone(run(*two, "-p", "BT:C", "list", "--json").json()["device"])
@@ -205,7 +205,7 @@ class QueryAnswers(Case):
         for _ in range(20):
             self.assertExit(4, run("-d", self.peer(handle).place, "online"))
 
-    def test_online_does_not_take_the_rest_of_one_answer_for_the_next_answer(self):
+    def test_online_does_not_use_the_rest_of_one_answer_as_the_next_answer(self):
         block = status_block("offline")
 
         def online_of_a_printer_that_pauses_behind(count: int):
@@ -223,7 +223,7 @@ class QueryAnswers(Case):
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(1, len(block)))
 
-    def test_online_does_not_take_a_late_status_block_for_escpos_answers(self):
+    def test_online_does_not_use_a_late_status_block_as_escpos_answers(self):
         # Bytes within the block look like the answers of a printer that is on line.
         block = bytes([0x8c, 1, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12, 0x12])
 
@@ -296,7 +296,7 @@ class QueryAnswers(Case):
         peer.wait_until_idle()
         self.assertEqual([words.count(STATUS_REQUEST) for words in heard[:2]], [2, 2])
 
-    def test_each_query_reports_a_link_that_ends_as_lost(self):
+    def test_each_query_reports_a_lost_link_if_the_printer_closes_the_link(self):
         peer = self.peer(lambda connection: receive(connection, 1))
         for command in ("status", "online", "firmware", "dipswitch", "button-security"):
             self.assertFailsInBothForms(5, "-d", peer.place, "-t", "1000", command, saying="lost")
@@ -339,7 +339,7 @@ class QueryAnswers(Case):
         full = "virtual:,no-space=0:600000"
         self.assertFailsInBothForms(1, "-d", full, "-t", "0", "status", saying="the link did not take the request")
 
-    def test_a_query_in_an_unknown_emulation_reports_the_missing_emulation(self):
+    def test_the_error_of_a_query_in_an_unknown_emulation_names_the_valid_emulations(self):
         for command in (("status",), ("online",), ("firmware",), ("monitor", "--count", "1")):
             result = run("-e", "unknown", *command, "--json")
             self.assertExit(1, result)

@@ -60,7 +60,7 @@ class Rendering(Case):
             peer.wait_until_idle()
             self.assertEqual(taken[0], job)
 
-    def test_utf8_text_without_the_option_text_causes_a_hint(self):
+    def test_utf8_data_causes_a_hint_unless_it_is_printed_as_text(self):
         hint = "--text prints the right ones"
         self.assertIn(hint, run("-d", "virtual:", "print", "-", data="Café\n".encode()).err)
         for job, options in ((b"Cafe\n", ()), ("\x1b@Café\n".encode(), ()), (b"Caf\xe9\n", ()),

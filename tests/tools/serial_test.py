@@ -30,7 +30,7 @@ class SerialLine(Case):
         self.assertIn(f"(process {os.getpid()})", answer["error"])
         self.assertEqual(printer.state()["printedBytes"], 0)
 
-    def test_a_query_is_refused_while_a_job_prints_and_the_job_continues(self):
+    def test_a_query_during_a_job_is_refused_and_does_not_disturb_the_job(self):
         printer = self.slow_printer()
         long = self.file("long", b"".join(b"line %03d of the first\n" % i for i in range(200)))
         first = start("-d", printer.place, "print", long, "--json")

@@ -108,7 +108,7 @@ class HostConnections(Case):
                     host.sendall(byte)
                 self.assertEqual(receive(host, 1), b"\x16")
 
-    def test_a_host_that_only_ends_its_output_receives_its_answers(self):
+    def test_a_host_that_ends_its_output_still_receives_the_answers(self):
         with self.simulator().connect() as host:
             host.sendall(STATUS_REQUEST)
             host.shutdown(socket.SHUT_WR)
@@ -219,7 +219,7 @@ class DroppedLinks(Case):
             self.assertEqual(receive(control, 12), b'{"ok":true}\n')
         self.assertEqual(simulator.stop(signal.SIGTERM), 0)
 
-    def test_a_cut_by_a_control_line_ends_only_the_present_link(self):
+    def test_a_link_cut_by_a_control_line_does_not_affect_later_links(self):
         simulator = self.simulator()
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST)

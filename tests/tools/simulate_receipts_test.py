@@ -175,12 +175,12 @@ class ReceiptFiles(Case):
         self.assertEqual(os.listdir(self.folder / "out"), [])
         self.assertExit(0, run("-d", simulator.place, "online"))
 
-    def test_a_receipts_path_that_is_a_plain_file_is_refused(self):
+    def test_a_plain_file_is_refused_as_the_folder_of_receipts(self):
         result = run("simulate", "--listen", "tcp:0", "--receipts", self.file("plain", b""))
         self.assertExit(2, result)
         self.assertIn("--receipts", result.err)
 
-    def test_a_receipts_path_without_a_parent_folder_is_refused(self):
+    def test_a_folder_of_receipts_without_a_parent_folder_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--receipts", f"{self.folder}/no/such")
         self.assertExit(2, result)
         self.assertIn("No such file or directory", result.err)
@@ -260,7 +260,7 @@ class JobRecords(Case):
         record, code, _ = self.record_of(b"\x1bt\x10\x80\n\x1dV\0", "--strict")
         self.assertEqual((record["ok"], code), (True, 0))
 
-    def test_each_cut_ends_a_receipt_with_the_option_per_cut(self):
+    def test_each_cut_ends_a_receipt_only_if_receipts_are_kept_per_cut(self):
         job = b"one\n\x1dV\0two\n\x1dV\0\n\n"
         for per, count in (("cut", 2), ("job", 1), ("connection", 1)):
             folder = self.folder / per
@@ -273,7 +273,7 @@ class JobRecords(Case):
             self.assertIn("one", (folder / "receipt-0001.txt").read_text())
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
-    def test_a_cut_ends_a_job_with_the_option_per_job_only(self):
+    def test_a_cut_completes_a_receipt_per_job_but_not_per_connection(self):
         """With `--per job`, a paper cut gives a record. With `--per connection`, only the end of a connection does."""
         processes = {}
         for per in ("connection", "job"):
@@ -313,7 +313,7 @@ class JobRecords(Case):
         self.assertEqual([line["job"] for line in lines if "job" in line], [1])
         self.assertEqual(sum("state" in line for line in lines), count)
 
-    def test_an_unknown_value_of_the_option_per_is_refused(self):
+    def test_receipts_per_an_unknown_unit_are_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--per", "day")
         self.assertExit(2, result)
         self.assertIn('takes "cut", "job" or "connection"', result.err)

@@ -13,7 +13,7 @@ class ListeningAddresses(Case):
         for listen in ("tcp:", "tcp:0", "tcp::0", "tcp:127.0.0.1:0", "tcp:localhost:0"):
             self.assertRegex(self.simulator(listen).place, r"^tcp:(127\.0\.0\.1|\[::1\]):[1-9]\d*$")
 
-    def test_the_first_line_of_simulate_is_a_json_object_with_the_option_json(self):
+    def test_simulate_prints_a_json_object_first_if_json_output_is_chosen(self):
         process = start("--json", "simulate", "--listen", "tcp:0")
         self.addCleanup(finish, process, 0)
         self.addCleanup(process.terminate)
@@ -109,7 +109,7 @@ class EndOfSimulate(Case):
             self.assertExit(0, run("-d", simulator.place, "online"))
         self.assertIsNone(simulator.process.poll())
 
-    def test_signals_that_a_shell_ignores_for_background_commands_end_simulate(self):
+    def test_an_interrupt_signal_ends_simulate_even_if_it_was_ignored_at_the_start(self):
         def ignore():
             signal.signal(signal.SIGINT, signal.SIG_IGN)
 

@@ -64,7 +64,7 @@ class SeveralPrinters(Case):
 
 
 class HostsOption(Case):
-    def test_a_second_host_is_disconnected_with_the_option_hosts_refuse(self):
+    def test_a_second_host_is_disconnected_if_further_hosts_are_refused(self):
         simulator = self.simulator("tcp:0", "--hosts", "refuse")
         with simulator.connect() as first:
             first.sendall(STATUS_REQUEST)
@@ -104,7 +104,7 @@ class HostsOption(Case):
             self.assertEqual(len(receive(second, 9)), 9)
             self.assertEqual(simulator.state()["printedBytes"], 30, "the second waited for its turn")
 
-    def test_an_unknown_value_of_the_option_hosts_is_refused(self):
+    def test_an_unknown_mode_for_several_hosts_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--hosts", "all")
         self.assertExit(2, result)
         self.assertIn('takes "one", "turns" or "refuse"', result.err)

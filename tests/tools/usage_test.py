@@ -172,7 +172,7 @@ class CommandLine(Case):
         for name in ("", "B", "BT"):
             self.assertFailsInBothForms(3, "-p", name, "online", saying="shorter than its prefix of three characters")
 
-    def test_arbitrary_port_settings_have_no_effect_but_their_option(self):
+    def test_arbitrary_port_settings_cause_no_failure(self):
         for settings in ("%s%n", "d300", "dd5", "x" * 100000, "\x1b"):
             self.assertExit(0, run("-s", settings, "online"))
 

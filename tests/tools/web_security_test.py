@@ -40,7 +40,7 @@ class WebRequestsOfOthers(BrowserCase):
             self.refused(path)
         self.refused("/api/control", "POST", Content_Type="application/json")
 
-    def test_pages_of_another_origin_can_read_and_change_nothing(self):
+    def test_pages_of_another_origin_can_neither_read_nor_change_anything(self):
         for origin in ("http://evil.example", "null", "https://" + self.browser.authority, "http://127.0.0.1",
                        f"http://localhost:{self.browser.port}", "http://127.0.0.1:1", ""):
             headers = {"Origin": origin or " x"}

@@ -81,12 +81,12 @@ class ControlLines(BrowserCase):
         answer = browser.ask("api/printers/3/control", "POST", b"{}", Content_Type="application/json")
         self.assertEqual(answer.status, 404)
 
-    def test_the_control_line_quit_ends_simulate(self):
+    def test_a_control_line_can_end_simulate(self):
         simulator, browser = self.open()
         self.assertEqual(browser.control({"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(30), 0)
 
-    def test_the_control_line_tear_tears_the_paper_off(self):
+    def test_a_control_line_can_tear_the_paper_off(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -99,7 +99,7 @@ class ControlLines(BrowserCase):
         self.assertEqual(events.next("receipt")["id"], 2)
         self.assertEqual(browser.ask("receipts/2.txt").content, b"rest\n")
 
-    def test_the_control_line_print_prints_a_test_receipt_between_the_jobs_of_a_host(self):
+    def test_a_control_line_prints_a_test_receipt_between_the_jobs_of_a_host(self):
         simulator, browser = self.open("--set", "profile=escpos-58")
         events = self.events(browser)
         self.assertEqual(browser.control({"print": "test"}), {"ok": True})
@@ -144,7 +144,7 @@ class WebForms(BrowserCase):
         for action in forms["actions"]:
             self.assertEqual(simulator.control(action["line"]), {"ok": True})
 
-    def test_the_control_line_get_settings_returns_the_value_of_each_setting(self):
+    def test_a_control_line_returns_the_value_of_each_setting(self):
         _, browser = self.open()
         keys = {form["key"] for form in browser.json("api/forms")["settings"]}
         browser.control({"set": {"paper": 58, "utf8": False, "maker": "Mine"}})
@@ -206,7 +206,7 @@ class EventStream(BrowserCase):
         faults = eventually(lambda: events.next("state")["faults"], "the fault is there")
         self.assertEqual(faults, [{"name": "late-reply", "value": "300"}])
 
-    def test_the_event_stream_logs_commands_answers_control_lines_and_hosts(self):
+    def test_the_event_stream_reports_commands_and_answers_and_control_lines_and_hosts(self):
         simulator, browser = self.open()
         events = self.events(browser)
         with simulator.connect() as host:
@@ -307,7 +307,7 @@ class WebReceipts(BrowserCase):
         self.assertEqual(browser.ask(receipt["address"] + ".png").status, 404)
         self.assertEqual(browser.json(receipt["address"] + ".json")["record"]["drawer"], 1)
 
-    def test_a_receipt_ends_at_each_cut_with_the_option_per_cut(self):
+    def test_a_receipt_ends_at_each_cut_if_receipts_are_kept_per_cut(self):
         simulator, browser = self.open("--per", "cut")
         events = self.events(browser)
         print_job(simulator, b"one\n" + CUT + b"two\n" + CUT)

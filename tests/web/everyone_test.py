@@ -113,7 +113,7 @@ class Accessibility(ShopCase):
                 self.assertEqual(roles.count(landmark), 1, landmark)
             self.assertGreaterEqual(roles.count("heading"), 2)
 
-    def test_each_condition_is_a_switch_that_exposes_whether_it_is_on(self):
+    def test_the_switch_of_each_condition_exposes_whether_the_condition_is_on(self):
         page, _ = self.shop_with_a_receipt()
         self.turn(page, "Cover open")
         self.condition(page, "Off line: cover open")

@@ -81,7 +81,7 @@ class OtherOrigin(ShopCase):
             try {{ return String(await {script}); }} catch {{ return ''; }}
           }})({shop.address!r})""")
 
-    def test_a_page_of_another_origin_can_read_and_change_nothing(self):
+    def test_a_page_of_another_origin_can_neither_read_nor_change_anything(self):
         shop = self.shop()
         own = self.shop_page(shop)
         own.evaluate("document.title = 'the shop'")

@@ -70,7 +70,7 @@ class PrintingOnThePage(ShopCase):
         page.evaluate("document.querySelector('.whole').scrollTop = 1e6")
         page.until(f"{pieces}.at(-1).naturalHeight > 0", "its end is shown")
 
-    def test_the_page_of_a_missing_receipt_reports_that(self):
+    def test_the_page_of_a_missing_receipt_shows_an_alert(self):
         shop = self.shop()
         page = self.browser.page(f"{shop.address}receipts/99")
         self.addCleanup(page.close)
@@ -127,7 +127,7 @@ class PageControls(ShopCase):
         self.assertEqual(page.evaluate("document.querySelector('.printer .condition').textContent"), "Ready")
         self.assertEqual([self.state(page, id)["state"]["coverOpen"] for id in (1, 2)], [False, True])
 
-    def test_every_flag_setting_and_fault_that_the_server_lists_has_a_control(self):
+    def test_every_flag_and_setting_and_fault_of_the_server_has_a_control(self):
         page = self.shop_page(self.shop())
         forms = page.evaluate("fetch('api/forms').then((answer) => answer.json())")
         self.assertEqual(page.evaluate("document.querySelectorAll('.switches .switch input').length"), len(forms["flags"]))
