@@ -181,7 +181,7 @@ class ExamplePrintOnce(ProgramTest):
 # A Python without a sanitizer cannot load a library that was built with one.
 @unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "the library is built with a sanitizer")
 class ExampleInPython(ProgramTest):
-    def test_the_example_prints_and_reads_the_state(self):
+    def test_the_example_reads_the_printer_state_and_prints_the_text(self):
         result = self.run_program(sys.executable, PRINT_PY, "virtual:", "text\n")
         self.assertEqual((result.returncode, result.stdout, result.stderr), (0, "on line\nprinted \n", ""))
 

@@ -145,7 +145,7 @@ class DecisionTable(ProgramTest):
         result = self.run_program(QUORPORT, "-d", row["device"], *timeout, "--log", log, "print", job)
         return result, [line for line in log.read_text().splitlines() if '"typeName":"Error"' in line]
 
-    def test_the_fault_of_each_row_causes_the_message_of_the_row(self):
+    def test_each_row_of_the_guide_shows_the_message_that_its_fault_causes(self):
         rows = list(ROW.finditer((SOURCES / "docs/did-not-print.md").read_text()))
         self.assertGreater(len(rows), 10)
         with ThreadPoolExecutor(AT_ONCE) as pool:

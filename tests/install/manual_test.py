@@ -87,37 +87,37 @@ class BashCompletion(ProgramTest):
         self.assertEqual(result.stderr, "")
         return result.stdout.split()
 
-    def test_commands_are_offered(self):
+    def test_completion_offers_the_commands(self):
         self.assertEqual(self.offered("quorport "), commands())
         self.assertEqual(self.offered("quorport -d tcp:192.0.2.10:9100 onl"), ["online"])
         self.assertEqual(self.offered("quorport --log-level 3 --json can"), ["cancel"])
 
-    def test_the_options_of_each_command_are_offered(self):
+    def test_completion_offers_the_options_of_each_command(self):
         top = options(help_of())
         self.assertEqual(set(self.offered("quorport --")), top)
         for command in commands():
             expected = top - {"--version"} | options(help_of(command))
             self.assertEqual(set(self.offered(f"quorport {command} --")), expected, command)
 
-    def test_the_values_that_the_help_lists_are_offered(self):
+    def test_completion_offers_the_values_in_the_help_texts(self):
         self.assertEqual(self.offered("quorport -e "), ["line", "escpos", "unknown"])
         self.assertEqual(self.offered("quorport print --proof "), proofs())
         self.assertEqual(self.offered("quorport simulate --per "), ["cut", "job", "connection"])
 
-    def test_the_schemes_of_devices_are_offered(self):
+    def test_completion_offers_the_schemes_of_devices(self):
         for option in ("-d ", "--device ", "--device="):
             self.assertEqual(sorted(self.offered(f"quorport {option}")), schemes())
         self.assertEqual(self.offered("quorport -d v"), ["virtual:"])
 
-    def test_the_places_and_the_settings_of_a_virtual_printer_are_offered(self):
+    def test_completion_offers_the_address_forms_and_settings_of_a_virtual_printer(self):
         self.assertEqual(self.offered("quorport simulate --listen "), ["tcp:", "unix:", "pty:"])
         self.assertEqual(sorted(self.offered("quorport simulate --set ")), settings())
         self.assertEqual(self.offered("quorport simulate --set=coverO"), ["coverOpen="])
 
-    def test_values_are_offered_after_an_equals_sign(self):
+    def test_completion_offers_values_after_an_equals_sign(self):
         self.assertEqual(self.offered("quorport --emulation=es"), ["escpos"])
 
-    def test_nothing_is_offered_for_an_arbitrary_value(self):
+    def test_completion_offers_nothing_for_an_option_with_arbitrary_values(self):
         for line in ("quorport -p ", "quorport --timeout ", "quorport --timeout=", "quorport simulate --control "):
             self.assertEqual(self.offered(line), [], line)
 
@@ -133,16 +133,16 @@ class ZshCompletion(ProgramTest):
         found, = (line for line in self.specifications(*command) if line.startswith(f"*{option}=["))
         return re.search(r":\((.*)\)$", found).group(1).replace("\\", "").split()
 
-    def test_commands_are_offered(self):
+    def test_completion_offers_the_commands(self):
         self.assertEqual([line.partition(":")[0] for line in self.specifications()], commands())
 
-    def test_the_options_of_each_command_are_offered(self):
+    def test_completion_offers_the_options_of_each_command(self):
         top = options(help_of())
         for command in commands():
             offered = set(re.findall(r"(?m)^\*?(--[a-z-]+)", "\n".join(self.specifications(command))))
             self.assertEqual(offered, top - {"--version"} | options(help_of(command)), command)
 
-    def test_the_values_of_options_are_offered(self):
+    def test_completion_offers_the_values_of_options(self):
         self.assertEqual(sorted(self.values("--device", "list")), schemes())
         self.assertEqual(self.values("--emulation", "list"), ["line", "escpos", "unknown"])
         self.assertEqual(self.values("--proof", "print"), proofs())

@@ -60,36 +60,36 @@ class ProofRows(Folder):
     def runs(self) -> list[str]:
         return (self.folder / "runs").read_text().split()
 
-    def test_the_case_counts_of_all_steps_of_a_row_are_added(self):
+    def test_the_case_counts_of_all_steps_of_a_proof_are_added(self):
         fuzzing = printing("a: 7 inputs, nothing found\nb: 5 inputs, nothing found", steps.fuzzing)
         self.assertEqual(self.run_row(printing("30 jobs in 10 s"), fuzzing)["cases"], "42")
 
-    def test_a_step_that_ran_no_case_makes_its_row_fail(self):
+    def test_a_proof_fails_if_one_of_its_steps_ran_no_case(self):
         for idle in (printing("0 cases"), printing("all is well"), printing("a: 0 inputs", steps.fuzzing)):
             with self.assertRaisesRegex(prove.Failed, "no case was run"):
                 self.run_row(printing("3 cases"), idle)
 
-    def test_a_finished_portion_of_a_row_is_not_run_again(self):
+    def test_a_finished_unit_of_a_proof_is_not_run_again(self):
         for _ in range(2):
             self.assertEqual(self.run_row(self.counting(3))["cases"], "3")
         self.assertEqual(self.runs(), ["0", "1", "2"])
 
-    def test_a_larger_size_runs_only_the_missing_portions(self):
+    def test_a_proof_that_is_made_larger_runs_only_the_missing_units(self):
         self.run_row(self.counting(2))
         self.assertEqual(self.run_row(self.counting(4))["cases"], "4")
         self.assertEqual(self.runs(), ["0", "1", "2", "3"])
 
-    def test_a_failed_portion_is_run_again(self):
+    def test_a_failed_unit_of_a_proof_is_run_again(self):
         with self.assertRaises(prove.Failed):
             self.run_row(self.counting(1, "0 cases"))
         self.assertEqual(self.run_row(self.counting(1))["far"], "100%")
 
-    def test_a_row_begins_again_if_the_sources_have_changed(self):
+    def test_a_proof_begins_again_if_the_sources_have_changed(self):
         self.run_row(self.counting(2))
         self.run_row(self.counting(2), state="another state")
         self.assertEqual(self.runs(), ["0", "1", "0", "1"])
 
-    def test_a_run_reports_its_share_of_a_larger_size(self):
+    def test_an_unfinished_proof_reports_its_finished_share(self):
         self.run_row(self.counting(1))
         steps.Clock.end = 0
         self.assertEqual(self.run_row(self.counting(4))["far"], "25.0%")
@@ -100,7 +100,7 @@ class ProofRows(Folder):
         with self.assertRaises(steps.Stopped):
             self.run_row(sleeper)
 
-    def test_a_program_that_records_its_cases_itself_reports_its_share_when_ended(self):
+    def test_a_program_that_counts_its_own_cases_reports_the_finished_share_when_stopped(self):
         begun = self.folder / "begun"
         os.mkfifo(begun)
         code = f"import signal, time\ntry:\n    signal.signal(signal.SIGTERM, lambda *_: 1 / 0); open({str(begun)!r}, 'w').close()\n" \
@@ -112,7 +112,7 @@ class ProofRows(Folder):
 
 @unittest.skipUnless(shutil.which("git"), "needs git")
 class ProveCommand(Folder):
-    def test_a_run_that_is_stopped_before_its_first_row_succeeds_in_a_new_tree(self):
+    def test_prove_succeeds_in_a_new_tree_even_if_stopped_before_the_first_proof(self):
         folder, page_before = self.folder / "build/proof", page.PAGE.read_text()
         self.addCleanup(setattr, steps.Clock, "end", float("inf"))
         for number in (signal.SIGINT, signal.SIGTERM):
@@ -243,7 +243,7 @@ class ProofTables(unittest.TestCase):
         self.assertEqual(page.HEADS["mutation"], page.table("survivors.md")[:2])
         self.assertEqual(page.HEADS["coverage"], page.table("uncovered.md")[:2])
 
-    def test_each_line_that_a_break_replaces_exists_exactly_once(self):
+    def test_each_deliberate_defect_replaces_a_line_that_exists_exactly_once(self):
         for one in breaks.BREAKS:
             with self.subTest(one.what):
                 self.assertEqual((steps.ROOT / one.path).read_text().count(one.old), 1)

@@ -103,7 +103,7 @@ class IncludeRules(SmallTree):
         self.assertTrue(self.objects_to("job/PrintJob.cpp", '#include "backends/Devices.h"'))
 
 
-class GivenNames(SmallTree):
+class KnownNames(SmallTree):
     def objections(self, *members: str) -> list[str]:
         names = [name for name in known_names.LIST.read_text().split() if name not in members]
         for room in known_names.ROOMS:
@@ -111,10 +111,10 @@ class GivenNames(SmallTree):
         self.write("iphone-IOPort/ExternalAccessoryPort.h", "".join(f"  int {member};\n" for member in members))
         return known_names.violations(self.root)
 
-    def test_all_given_names_in_their_order_are_accepted(self):
+    def test_all_known_names_in_the_required_order_are_accepted(self):
         self.assertEqual(self.objections(*known_names.MEMBERS), [])
 
-    def test_a_given_name_that_is_only_in_a_comment_or_a_text_is_missing(self):
+    def test_a_known_name_only_in_a_comment_or_a_string_counts_as_missing(self):
         self.objections(*known_names.MEMBERS)
         for room in known_names.ROOMS:
             (self.root / room / "Names.h").write_text('// etb\nconst char* text = "etb";\n')
@@ -200,7 +200,7 @@ class Wording(SmallTree):
         self.assertTrue(self.objects_to("as the iss" + "ue asks\n"))
         self.assertTrue(self.objects_to("fixes iss" + "ue 12\n"))
 
-    def test_a_path_of_one_machine_is_reported(self):
+    def test_a_machine_specific_path_is_reported(self):
         for place in ("/wo" + "rk/main", "/ho" + "me/user/x", "/ro" + "ot/x"):
             self.assertTrue(self.objects_to(f"built in {place}\n"), place)
 
@@ -269,15 +269,15 @@ class TableOfPortOperations {
         self.objects_to("")
         return documentation.violations(self.root)
 
-    def test_a_table_with_a_source_for_each_operation_is_accepted(self):
+    def test_a_table_that_gives_a_source_file_for_each_operation_is_accepted(self):
         self.assertEqual(self.objections_to_rows("| `open` | `iphone-IOPort/Session.cpp` | |",
                                                  "| `read` | `iphone-IOPort/Transport.cpp` | |"), [])
 
-    def test_an_operation_without_a_source_is_reported(self):
+    def test_an_operation_without_a_source_file_is_reported(self):
         self.assertEqual(self.objections_to_rows("| `open` | `iphone-IOPort/Session.cpp` | |"),
                          ["docs/architecture.md: no source for the port's read"])
 
-    def test_an_operation_that_is_in_another_source_is_reported(self):
+    def test_an_operation_that_is_in_another_source_file_is_reported(self):
         self.assertEqual(self.objections_to_rows("| `open`, `read` | `iphone-IOPort/Session.cpp` | |"),
                          ["docs/architecture.md: read is not in iphone-IOPort/Session.cpp"])
 

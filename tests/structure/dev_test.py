@@ -71,7 +71,7 @@ class DevPackages(unittest.TestCase):
         done = self.shell("need_packages cmake g++")
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
 
-    def test_the_packages_of_build_and_package_include_a_compiler(self):
+    def test_the_packages_for_building_and_for_packaging_include_a_compiler(self):
         """dpkg-buildpackage refuses to start without build-essential, even if all other packages are installed."""
         self.assertIn("g++", self.shell('echo "${build_packages[@]}"').stdout)
         self.assertIn("build-essential", self.shell('echo "${package_packages[@]}"').stdout)

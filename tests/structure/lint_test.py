@@ -61,7 +61,7 @@ class Lint(unittest.TestCase):
     def test_a_source_that_passed_is_not_checked_again(self):
         self.assertEqual(self.lint(), (True, set()))
 
-    def test_the_option_all_checks_every_source(self):
+    def test_every_source_is_checked_on_request(self):
         self.assertEqual(self.lint("--all"), (True, {"Job.cpp", "Other.cpp", "Third.cpp"}))
 
     def test_a_changed_source_is_checked(self):
