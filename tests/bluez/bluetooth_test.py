@@ -25,7 +25,7 @@ class BluetoothPrinting(BusCase):
     def receipt(self, lines: int) -> str:
         return self.file("receipt", b"a line of the receipt\n" * lines)
 
-    def test_a_receipt_is_printed_by_the_printers_name_or_address(self):
+    def test_a_receipt_is_printed_if_the_printer_is_chosen_by_name_or_address(self):
         self.bluetooth(printer=self.printer())
         for device in (DEVICE, DEVICE.lower(), "bluetooth:Kitchen", "bluetooth:"):
             result = self.run_command("-d", device, "print", self.receipt(9), "--json")

@@ -66,7 +66,7 @@ class Banners(DocumentCase):
 class Copies(DocumentCase):
     THREE = ipp.attribute(ipp.INTEGER, "copies", 3)
 
-    def test_each_copy_is_confirmed_by_itself(self):
+    def test_each_copy_is_confirmed_separately(self):
         job = self.print_job(self.queue(self.printer), RECEIPT, self.THREE)
         self.assertSettles(job, "completed")
         self.assertEqual(self.story(job).count("PAGE: "), 3)

@@ -62,7 +62,7 @@ class DriverlessQueue(Application, QueueCase):
         found, = self.receipt_files("png", 1)
         return found
 
-    def test_a_pdf_is_printed_like_its_page_and_confirmed(self):
+    def test_a_pdf_job_is_confirmed_and_the_receipt_looks_like_the_page(self):
         page = pdf(MARKS, 80 * MILLIMETRE, 200 * MILLIMETRE)
         self.assertSettles(self.print_file("page.pdf", page), "completed")
         drawn = subprocess.run(["gs", "-q", "-sDEVICE=pgmraw", f"-r{DOTS_PER_INCH}", "-o", "-", self.folder / "page.pdf"],

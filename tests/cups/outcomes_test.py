@@ -220,7 +220,7 @@ class Empty(QueueCase):
 class BackEndKilledBeforeItBegins(QueueCase):
     """Only a back end that is killed before it begins can end unnoticed: see the guide."""
 
-    def test_the_page_log_counts_no_page_if_the_back_end_was_killed_before_it_began(self):
+    def test_the_page_log_counts_no_page_if_the_back_end_was_killed_at_its_start(self):
         program = self.scheduler.folder / "bin/backend/quor"
         program.write_text("#!/bin/sh\nkill -KILL $$\n")
         queue = self.queue(self.simulator())

@@ -162,7 +162,7 @@ class SideChannel(ProgramCase):
         printer.set(receiptPaperEmpty=False)
         self.assertEqual(process.wait(DEADLINE), DONE)
 
-    def test_reports_that_the_output_is_drained_after_it_is_printed(self):
+    def test_answers_a_drain_request_only_after_the_data_is_printed(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, self.file("data", RECEIPT), channel=self.theirs)
@@ -189,7 +189,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(self.answer(), (DRAIN, IO_ERROR, b""))
         self.assertEqual(process.wait(DEADLINE), HOLD)
 
-    def test_refuses_a_drain_at_once_while_data_is_still_arriving(self):
+    def test_immediately_refuses_a_drain_request_while_data_is_arriving(self):
         printer = self.simulator()
         process = self.start(printer, channel=self.theirs)
         process.stdin.write(RECEIPT)
@@ -202,7 +202,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(process.wait(DEADLINE), DONE)
         self.assertEqual(printed(printer), 2 * len(RECEIPT))
 
-    def test_drains_the_data_after_its_pipe_is_closed(self):
+    def test_answers_a_drain_request_after_the_data_pipe_is_closed(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, channel=self.theirs)

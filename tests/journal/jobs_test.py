@@ -45,7 +45,7 @@ class NamedJobs(Case):
         result = run("-d", simulator.place, "print", "-", "--job", "one", "--journal", self.journal, data=RECEIPT)
         self.assertIn("printed: already printed in attempt 1; nothing was sent now", result.out)
 
-    def test_a_printed_job_is_answered_even_if_its_printer_is_missing(self):
+    def test_repeating_a_printed_job_succeeds_even_without_its_printer(self):
         simulator = self.simulator()
         self.assertExit(0, self.print_job(simulator.place, "one"))
         simulator.kill()
@@ -102,7 +102,7 @@ class NamedJobs(Case):
             self.assertIn("1 to 255 bytes of UTF-8", result.json()["error"])
         self.assertExit(0, self.print_job("virtual:", "n" * 255))
 
-    def test_the_options_again_and_journal_need_a_job_name(self):
+    def test_the_options_for_named_jobs_are_refused_without_a_job_name(self):
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--again", data=RECEIPT))
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--journal", self.journal, data=RECEIPT))
 

@@ -85,7 +85,7 @@ class JobOptions(Application):
         for value, cuts in (("document", 1), ("job", 1), ("page", 2), ("none", 0)):
             self.assertEqual(self.record(pages, "image/pwg-raster", keyword("quor-cut", value))["cuts"], cuts, value)
 
-    def test_each_copy_is_cut_like_a_document(self):
+    def test_the_paper_is_cut_after_each_copy_unless_one_cut_per_job_is_set(self):
         copies = ipp.attribute(ipp.INTEGER, "copies", 3)
         for kind, contents in (("text/plain", b"text\n"), ("image/png", png(PICTURE)), ("image/pwg-raster", pwg(PAGE)),
                                (RAW, b"raw\n\x1dV\0")):

@@ -114,7 +114,7 @@ class Finding(Network):
 
         eventually(lambda: "till" in found(), "the printer is announced")
 
-    def test_every_device_that_find_lists_can_be_added_on_the_web_page(self):
+    def test_every_device_in_the_output_of_find_can_be_added_on_the_web_page(self):
         devices = [found["device"] for found in run("find", "--json").json()["found"]]
         self.assertIn(BLUETOOTH, devices)
         self.assertTrue([device for device in devices if device.startswith("tcp:")], devices)

@@ -164,7 +164,7 @@ class Operations(unittest.TestCase):
 
         asyncio.run(run())
 
-    def test_several_threads_can_use_a_journal_object_each_for_the_same_file(self):
+    def test_threads_can_use_separate_journal_objects_for_the_same_file(self):
         def use() -> tuple[bool, str, list[quorioport.JobState], int]:
             with Journal(file) as journal:
                 result, jobs = journal.print("order-1", RECEIPT, Port(printer.device), timeout=30), journal.jobs()
