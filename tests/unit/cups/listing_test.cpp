@@ -25,7 +25,7 @@ TEST(BackEndListing, ShowsTheMakerModelAndSerialNumberOfAPrinter) {
             "\"MFG:Maker;MDL:T 20;SN:A,1;CLS:PRINTER;\" \"\"\n");
 }
 
-TEST(BackEndListing, CallsAPrinterUnknownIfItsMakerAndModelAreUnknown) {
+TEST(BackEndListing, ShowsAPrinterAsUnknownIfItsMakerAndModelAreUnknown) {
   EXPECT_EQ(listingOf(found("serial:/dev/ttyS0", "a serial line", Via::Serial)),
             "direct quor:/serial/dev/ttyS0 \"Unknown\" \"a serial line\" \"CLS:PRINTER;\" \"\"\n");
 }

@@ -11,7 +11,7 @@ const Bytes lineModeRequest = {0x1b, 0x2a, 0x72, 0x42, 0x1b, 0x1d, 0x03,
                                0x04, 0x00, 0x00, 0x1b, 0x06, 0x01};
 const Bytes statusBlock = {0x89, 1, 0x80, 0x81, 0x82, 0, 0, 0, 5};
 
-TEST(OwedAnswers, AreOwedFromTheLastByteOfTheRequestToTheLastByteOfTheAnswer) {
+TEST(OwedAnswers, AreOwedFromTheWholeRequestUntilTheWholeAnswer) {
   OwedAnswers answers(ZKEmulationQuorLine);
   EXPECT_FALSE(answers.isAnyOwed());
   for (const auto byte : lineModeRequest) {

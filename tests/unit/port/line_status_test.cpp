@@ -135,7 +135,7 @@ TEST(LineStatusRequest, StartsTheSecondAttemptWithAnEmptyBuffer) {
   EXPECT_EQ(run.caller.status.etbCounter, 2);
 }
 
-TEST(LineStatusRequest, TakesALateReplyToTheFirstAttemptAsTheReplyToTheSecond) {
+TEST(LineStatusRequest, UsesALateReplyToTheFirstAttemptAsTheReplyToTheSecond) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(lineRequest, {{lineStatus({}, 1), 1.49}})
       .whenAsked(lineRequest, whole(lineStatus({}, 2)));

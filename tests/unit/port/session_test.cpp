@@ -185,7 +185,7 @@ TEST(PortSession, AStatusRequestWaitsAndFailsIfTheSessionWasRefused) {
   }
 }
 
-TEST(PortSession, ReadsAndWritesFailIfTheSessionWasRefused) {
+TEST(PortSession, LetsReadsAndWritesFailIfTheSessionWasRefused) {
   Scenario scenario = closed();
   scenario.layer = SessionsChanged::layer(&refused);
   const Outcome run = scenario.run(inTurn({open(), write(bytes("41")), read(5)}));

@@ -74,7 +74,7 @@ TEST_F(LinkTest, SignalsDoNotShortenAWait) {
   EXPECT_GT(storm.strikes(), 0);
 }
 
-TEST_F(LinkTest, AConnectionCheckDuringAWaitDoesNotTakeTheReply) {
+TEST_F(LinkTest, AConnectionCheckDuringAWaitDoesNotConsumeTheReply) {
   ASSERT_TRUE(accessory.isConnected());
   for (int i = 0; i < 10; ++i) {
     ASSERT_EQ(ask(), 1);

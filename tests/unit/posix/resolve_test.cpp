@@ -36,7 +36,7 @@ TEST(Resolve, AcceptsIpv6Addresses) {
   EXPECT_EQ(addresses[0].storage.ss_family, AF_INET6);
 }
 
-TEST(Resolve, TakesLocalhostForThisMachineEvenIfTheResolverDoesNotKnowTheName) {
+TEST(Resolve, ResolvesLocalhostEvenIfTheResolverDoesNotKnowTheName) {
   const UnknownHost unknown("localhost");
   EXPECT_FALSE(resolve("localhost", 9100, SteadyClock::now() + 5s).empty());
 }

@@ -73,7 +73,7 @@ TEST(CodePages, Page853ContainsAllLettersOfIso8859Part3) {
   }
 }
 
-TEST(CodePages, AllContainAtLeastFiftyCharacters) {
+TEST(CodePages, ContainAtLeastFiftyCharactersEach) {
   for (const std::string& name : codePageNames()) {
     const UpperHalf& page = upperHalfOf(name);
     const auto there = 128 - std::count(page.begin(), page.end(), noCharacter);

@@ -7,7 +7,7 @@ namespace {
 
 const Bytes square = hex("1d7630 00 0100 0800 ffffffffffffffff");  // eight dots by eight
 
-TEST(Margins, MoveLinesImagesAndSymbolsToTheRight) {
+TEST(Margins, MoveLinesAndImagesAndSymbolsToTheRight) {
   const Print print(hex("1d4c 6400") + square + ascii("X\n"));
   EXPECT_EQ(print.darkIn(0, 0, 100, 32), 0U);
   EXPECT_EQ(print.darkIn(100, 0, 8, 8), 64U);

@@ -228,7 +228,7 @@ TEST(FaultsOfOneReplyKind, AWrongProcessIdIsWellFormedAndDiffersFromTheRequest) 
   }
 }
 
-TEST(FaultsOfOneReplyKind, AForeignReplyPrecedesTheRightReply) {
+TEST(FaultsOfOneReplyKind, AReplyForAnotherHostsJobPrecedesTheRightReply) {
   Session id(with("foreign-reply", "process-id"));
   const Bytes both = id.ask(askId);
   ASSERT_EQ(both.size(), 2 * idReport.size());
