@@ -72,7 +72,7 @@ class Copies(DocumentCase):
         self.assertEqual(self.story(job).count("PAGE: "), 3)
         self.assertPaper(RECEIPT * 3)
 
-    def test_all_copies_are_confirmed_together_if_the_queue_is_set_so(self):
+    def test_all_copies_are_confirmed_together_if_the_queue_option_is_set(self):
         job = self.print_job(self.queue(self.printer, query="?copies=together"), RECEIPT, self.THREE)
         self.assertSettles(job, "completed")
         self.assertEqual(self.story(job).count("PAGE: "), 1)

@@ -162,7 +162,7 @@ class NamedJobs(Case):
         self.assertExit(2, unknown)
         self.assertIn('no job "three"', unknown.err)
 
-    def test_the_option_older_than_forgets_only_older_jobs(self):
+    def test_only_jobs_older_than_the_given_days_are_forgotten(self):
         self.print_job("virtual:", "one")
         self.assertEqual(len(self.jobs("--older-than", "1")), 1)
         self.assertEqual(self.jobs("--older-than", "0"), [])

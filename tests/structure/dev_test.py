@@ -17,7 +17,7 @@ def dev(*words: str) -> subprocess.CompletedProcess:
 
 
 class DevHelp(unittest.TestCase):
-    def test_help_of_dev_is_a_command_and_an_option(self):
+    def test_dev_shows_its_help_by_a_command_and_by_an_option(self):
         for words in (["help"], ["--help"], ["-h"], []):
             with self.subTest(words):
                 done = dev(*words)

@@ -222,7 +222,7 @@ class ControlSocket(Case):
         self.assertEqual(simulator.control({"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(DEADLINE), 0)
 
-    def test_quit_is_answered_and_ends_the_virtual_printer_with_status_0(self):
+    def test_a_request_to_end_is_answered_and_the_virtual_printer_ends_with_status_0(self):
         simulator = self.simulator("tcp:0", "--control", f"unix:{self.folder}/control")
         self.assertEqual(self.ask(self.connect()[1], {"quit": True}), {"ok": True})
         self.assertEqual(simulator.process.wait(DEADLINE), 0)

@@ -69,7 +69,7 @@ class Firmware(Asking):
                  "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for pieces in pieces_of(reply % b"V1.2"))
 
-    def test_a_firmware_reply_that_is_cut_off_is_a_lost_link(self):
+    def test_a_firmware_reply_that_is_cut_off_is_reported_as_a_lost_link(self):
         at_once((self.failure, 5, ON_LINE | {request: last_words(words)}, "-t", "1000", "-e", emulation, "firmware")
                 for emulation, (request, reply) in FIRMWARE.items() for words, _ in pieces_of(reply % b"V1.2"))
 
@@ -87,7 +87,7 @@ class DipSwitches(Asking):
                  "-t", "1000", "dipswitch")
                 for bank in (1, 2) for pieces in pieces_of(bank_reply(bank, b"\x45\x02")))
 
-    def test_a_dip_switch_reply_that_is_cut_off_is_a_lost_link(self):
+    def test_a_dip_switch_reply_that_is_cut_off_is_reported_as_a_lost_link(self):
         at_once((self.failure, 5, banks(b"\x45\x02") | {bank_request(bank): last_words(words)},
                  "-t", "1000", "dipswitch")
                 for bank in (1, 2) for words, _ in pieces_of(bank_reply(bank, b"\x45\x02")))
@@ -116,7 +116,7 @@ class DipSwitches(Asking):
 
         at_once((check, pieces) for pieces in pieces_of(bank_reply(1, b"\x45\x02")))
 
-    def test_button_security_in_a_cut_reply_is_an_error(self):
+    def test_a_button_security_reply_that_is_cut_off_is_an_error(self):
         at_once((self.failure, 5, {bank_request(1): last_words(words)}, "-t", "1000", "button-security")
                 for words, _ in pieces_of(bank_reply(1, b"\x45\x02")))
 

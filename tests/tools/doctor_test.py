@@ -196,7 +196,7 @@ class DoctorCauses(Case):
 
 
 class DoctorResult(Case):
-    def test_doctor_reports_a_printer_without_a_fault_as_well(self):
+    def test_doctor_also_reports_a_printer_without_a_fault(self):
         for listen in ("tcp:0", f"unix:{self.folder}/printer", "pty:"):
             simulator = self.simulator(listen, "--set", "receiptPaperNearEmptyInner=true")
             result = run("-d", simulator.place, "doctor")

@@ -46,7 +46,7 @@ class LogOption(Case):
     def test_a_command_that_opens_no_port_logs_nothing(self):
         self.assertEqual(self.logged("list"), [])
 
-    def test_the_option_log_level_selects_the_logged_levels(self):
+    def test_the_logged_levels_can_be_selected(self):
         self.assertEqual({record["level"] for record in self.logged("status", "--log-level", "1")}, {1})
         both = self.logged("status", "--log-level", "1", "--log-level", "0")
         self.assertEqual({record["level"] for record in both}, {0, 1})

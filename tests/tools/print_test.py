@@ -78,7 +78,7 @@ class PrintCommand(Case):
             answer = run("-d", device, "-e", "escpos", "print", "-", "--json", data=b"text\n").json()
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", used))
 
-    def test_the_option_proof_selects_the_proof(self):
+    def test_the_proof_can_be_selected_by_an_option(self):
         for proof in proof_names():
             answer = run("-d", "virtual:", "-e", "escpos", "print", "--proof", proof, "-", "--json", data=b"text\n").json()
             self.assertEqual((answer["outcome"], answer["proof"]), ("printed", proof))

@@ -250,7 +250,7 @@ class JobRecords(Case):
                                              {"offset": 8, "bytes": "1b99", "name": "ESC 99"}])
         self.assertEqual((record["ok"], code), (True, 0))
 
-    def test_the_option_strict_rejects_unknown_commands_missing_characters_and_incomplete_data(self):
+    def test_strict_mode_rejects_unknown_commands_and_missing_characters_and_incomplete_data(self):
         for job, key in ((b"a\x1dy\n", "unknown"), (b"\x1bt\x10\x81\n", "missing"), (b"a\n\x1dv0\0\x09\0", "unknown")):
             record, code, _ = self.record_of(job, "--strict")
             self.assertEqual((record["ok"], code), (False, 1), job)

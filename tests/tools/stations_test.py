@@ -82,7 +82,7 @@ class HostsOption(Case):
 
         eventually(answers, "a host that comes after the first has left is served")
 
-    def test_hosts_in_turns_print_between_the_jobs_of_a_connected_host(self):
+    def test_hosts_that_take_turns_print_between_the_jobs_of_a_connected_host(self):
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--receipts", str(folder))
         with simulator.connect() as first, simulator.connect() as second:
@@ -95,7 +95,7 @@ class HostsOption(Case):
         texts = [(folder / f"receipt-000{number}.txt").read_text() for number in range(1, 5)]
         self.assertEqual(texts, ["one\n", "not one\n", "three\n", "not three\n"])
 
-    def test_hosts_in_turns_are_not_interrupted_while_their_data_is_printed(self):
+    def test_hosts_that_take_turns_are_not_interrupted_while_their_data_is_printed(self):
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--set", "speed=20")
         with simulator.connect() as first, simulator.connect() as second:
             first.sendall(b"x" * 30)
