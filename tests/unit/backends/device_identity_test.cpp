@@ -34,7 +34,7 @@ TEST(DeviceIdentity, FollowsSymbolicLinksOfAPath) {
   EXPECT_NE(identityOf(direct), identityOf("unix:" + folder.file("ttyUSB0")));
 }
 
-TEST(DeviceIdentity, HasThePathAsGivenIfItsLinksFormALoop) {
+TEST(DeviceIdentity, KeepsThePathIfItsLinksFormALoop) {
   const test::TemporaryFolder folder;
   const std::string loop = folder.file("loop");
   std::filesystem::create_symlink(loop, loop);

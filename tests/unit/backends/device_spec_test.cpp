@@ -281,7 +281,7 @@ TEST(HostAndPort, AreSplitAtTheLastColonAndBracketsAreRemoved) {
   EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
 }
 
-TEST(HostAndPort, ABracketAtOneEndAndABlankAreRefused) {
+TEST(HostAndPort, ABracketAtOneEndOrABlankIsRefused) {
   for (const char* text :
        {"[::1:9100", "::1]:9100", "a b:9100", "caf\xc3\xa9:9100", "h\x7f:9100"}) {
     EXPECT_THROW(parseHostAndPort(text), std::invalid_argument) << text;

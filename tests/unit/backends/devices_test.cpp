@@ -59,7 +59,7 @@ TEST(Devices, AnUnreachableAccessoryOpensNoSessionAndReportsTheReason) {
   }
 }
 
-TEST(Devices, TheReasonOfAFailureHasACodeAndTheVirtualPrinterHasNone) {
+TEST(Devices, AFailedOpenHasAnErrorCodeExceptOnTheVirtualPrinter) {
   const auto absent = make("unix:/none/there");
   EXPECT_EQ(absent->openSession(protocol), nullptr);
   EXPECT_EQ(lastOpenErrorCode(*absent), std::errc::no_such_file_or_directory);

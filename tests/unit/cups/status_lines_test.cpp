@@ -99,7 +99,7 @@ QuorPrinterStatus_2 status(std::uint32_t QuorPrinterStatus_2::*flag) {
   return record;
 }
 
-TEST(StateReasons, AreThePrintSystemsKeywordsForThePrinterStatus) {
+TEST(StateReasons, ShowThePrinterStatusInThePrintSystemsKeywords) {
   EXPECT_EQ(reasonsIn({}), StateReasons());
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::offline)), StateReasons{"offline-report"});
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::coverOpen)), StateReasons{"cover-open-error"});

@@ -48,7 +48,7 @@ TEST_P(JobCancellation, CompletesAnImageSoThatThePrinterReadsTheCancelCommand) {
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
 }
 
-TEST_P(JobCancellation, EndsTheJobWithinASecondInALongImage) {
+TEST_P(JobCancellation, EndsTheJobWithinASecondDuringALongImage) {
   ByteBuffer data = {0x1d, 0x76, 0x30, 0, 72, 0, 0xe8, 0x03};
   data.resize(8 + 72000, 0x55);
   Till till(PrinterBuilder().speed(2000), {.emulation = GetParam()});

@@ -37,7 +37,7 @@ class DataTimeout : public testing::TestWithParam<ZKEmulation> {
 INSTANTIATE_TEST_SUITE_P(Job, DataTimeout, testing::Values(ZKEmulationQuorLine, ZKEmulationESCPOS),
                          emulationName);
 
-TEST_P(DataTimeout, LeavesAJobUnconfirmedIfThePrinterDroppedTheRest) {
+TEST_P(DataTimeout, LeavesAJobUnconfirmedIfThePrinterDroppedTheRestOfTheJob) {
   ByteBuffer data(100000, 'x');
   Till till = tillWithTimeout(PrinterBuilder().speed(50000));
   till.port->setEndCheckedBlockTimeoutMillis(3000);

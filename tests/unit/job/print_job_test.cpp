@@ -253,7 +253,7 @@ TEST_P(InBothEmulations, AJobOnAClosedPortIsRefused) {
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);
 }
 
-TEST_P(InBothEmulations, AJobFailsAtTheTimeoutIfThePrinterTakesNoMoreData) {
+TEST_P(InBothEmulations, AJobFailsAtTheTimeoutIfThePrinterAcceptsNoMoreData) {
   Till till(PrinterBuilder().buffer(1000).speed(100),
             {.emulation = GetParam(), .timeoutMillis = 5000});
   till.after(milliseconds(1500), "coverOpen", true);

@@ -350,7 +350,7 @@ TEST(LineModeBlock, IsRefusedIfAnotherHostEndsItsJobWhileTheBlockBegins) {
   EXPECT_TRUE(isRefused);
 }
 
-TEST(InOrderProof, IsGivenUpIfAnAnswerThatNobodyAskedForArrivesDuringTheData) {
+TEST(InOrderProof, IsAbandonedIfAnUnaskedAnswerArrivesDuringTheData) {
   Till till = tillWith(printerWith("in-order"));
   till.reopenWith(with("no-space", "30:2000"));
   till.at(milliseconds(1000), [&till] {
@@ -364,7 +364,7 @@ TEST(InOrderProof, IsGivenUpIfAnAnswerThatNobodyAskedForArrivesDuringTheData) {
   EXPECT_THAT(result.reason, testing::StartsWith("before the job, the printer did not answer"));
 }
 
-TEST(ProcessIds, AreNotIdsThatTheDataItselfAsksFor) {
+TEST(ProcessIds, DifferFromTheIdsThatTheDataRequests) {
   ByteBuffer data;
   {
     test::VirtualPlatform sameNumbers;

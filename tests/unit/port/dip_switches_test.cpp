@@ -49,7 +49,7 @@ TEST(DipSwitches, AreRequestedWithTheSameBytesInEveryEmulation) {
   }
 }
 
-TEST(DipSwitches, AreAppendedToTheBanksReadBefore) {
+TEST(DipSwitches, AreAppendedToTheBanksOfAnEarlierRequest) {
   const Outcome run =
       answering("c0 01 0a", "02 03 0a")
           .run(inTurn({retrieveDipSwitchInformation(), retrieveDipSwitchInformation()}));

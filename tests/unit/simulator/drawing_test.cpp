@@ -263,7 +263,7 @@ TEST(PageMode, TakesBoundedMemory) {
   EXPECT_LT(session.printer.paper().weight(), heaviestPaper + 500'000);
 }
 
-TEST(CustomerDisplay, ShowsItsTextWithoutPrint) {
+TEST(CustomerDisplay, ShowsItsTextWithoutPrinting) {
   const Print print(hex("1b3d02") + ascii("Total 4.20\n") + hex("1b3d01") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "paper\n");
   const auto& events = print.paper().record().events();

@@ -24,7 +24,7 @@ TEST(PaperStrips, ShowNewlyPrintedRowsAndCuts) {
   EXPECT_EQ(paper.length(), 2 * lineSpacing);
 }
 
-TEST(PaperStrips, ShowEarlierPrintAgainIfThePaperIsFedBack) {
+TEST(PaperStrips, ShowEarlierPrintedRowsAgainIfThePaperIsFedBack) {
   PaperStrips over(widePaperDots);
   over.add({lineOf(U"one")});
   const auto changed = over.add({Feed{-30}, lineOf(U"  I")});
