@@ -154,7 +154,7 @@ class Mutants(Folder):
         tried = self.tried()
         return sum(tried.answer(mutant) is not None for mutant in tried.drawn)
 
-    def test_a_change_of_another_line_does_not_change_the_drawn_mutants(self):
+    def test_a_change_of_another_line_does_not_change_which_mutants_are_chosen(self):
         drawn = [mutant.describe(self.SOURCE) for mutant in self.tried().drawn]
         self.assertEqual(len(drawn), 4)
         self.write("one.cpp", "// above\n" + self.SOURCE)

@@ -37,7 +37,7 @@ class QueriesOverEveryLink(Case):
             self.assertExit(0, result)
             self.assertTrue(result.out.startswith(f"{simulator.place}: Not ready: cover open, paper out.\n"), result)
 
-    def test_online_answers_by_text_json_and_exit_status(self):
+    def test_online_answers_in_text_and_in_json_and_by_exit_status(self):
         for simulator in self.each_link():
             for emulation in ("line", "escpos"):
                 for offline, code, text in ((False, 0, "on line\n"), (True, 4, "off line\n")):

@@ -210,7 +210,7 @@ class JobRecords(Case):
                                   "codePages": [], "asked": [], "unknown": [], "missing": [], "events": []})
         self.assertEqual(code, 0)
 
-    def test_a_record_counts_cuts_drawer_pulses_and_beeps(self):
+    def test_a_record_counts_paper_cuts_and_drawer_pulses_and_beeps(self):
         job = b"\x1bt\x13a\n\x1bp\0\x19\xfa\x10\x14\1\0\1\x1bB\2\3\x1b(A\4\0\x30\1\1\1\x1dV\0b\n\x1dV\1"
         record, _, _ = self.record_of(job)
         self.assertEqual((record["cuts"], record["drawer"], record["beeps"], record["codePages"]), (2, 2, 2, [19]))

@@ -118,7 +118,7 @@ class ControlLines(BrowserCase):
         self.assertEqual(texts[0], texts[2])
         self.assertIn(b"Virtual-58", texts[0])
 
-    def test_the_counters_count_jobs_cuts_and_bytes(self):
+    def test_the_counters_count_jobs_and_paper_cuts_and_bytes(self):
         simulator, browser = self.open()
         events = self.events(browser)
         print_job(simulator, b"one\n" + CUT + b"two\n\x1b\x70\x00\x10\x10" + CUT)
@@ -259,7 +259,7 @@ class WebReceipts(BrowserCase):
         print_job(simulator, data)
         return browser, events.next("receipt")
 
-    def test_a_receipt_is_served_as_picture_text_and_bytes(self):
+    def test_a_receipt_is_served_as_a_picture_and_as_text_and_as_bytes(self):
         browser, receipt = self.receipt()
         address = receipt["address"]
         self.assertEqual(browser.ask(address + ".bin").content, self.JOB)

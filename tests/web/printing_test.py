@@ -37,7 +37,7 @@ class PrintingOnThePage(ShopCase):
         out, _ = till.communicate(timeout=DEADLINE)
         self.assertEqual((till.returncode, json.loads(out)["outcome"]), (0, "printed"))
 
-    def test_the_page_of_a_receipt_shows_picture_text_and_named_bytes(self):
+    def test_the_page_of_a_receipt_shows_a_picture_and_text_and_named_bytes(self):
         shop = self.shop("--set", "profile=escpos-80")
         page = self.shop_page(shop)
         with shop.connect() as till:
