@@ -218,9 +218,11 @@ Rows reading() {
   const auto ours = systemCallsOf([&] { ahead.read(); });
   const auto bare = systemCallsOf([&] { ahead.readBare(); });
   if (ours && bare) {
-    rows.push_back(countedCalls({"B5", "reads for 32 KiB of it", "<= 1.05 x", "calls"}, *ours,
-                                *bare, {SYS_read, SYS_recvfrom}));
-    rows.push_back(countedCalls({"B5", "readiness waits meanwhile", "0", "calls"}, *ours, *bare,
+    rows.push_back(
+        countedCalls({"B5", "read calls for 32 KiB, 512 bytes a call", "<= 1.05 x", "calls"}, *ours,
+                     *bare, {SYS_read, SYS_recvfrom}));
+    rows.push_back(countedCalls({"B5", "readiness waits for these 32 KiB", "0", "calls"}, *ours,
+                                *bare,
                                 {SYS_poll, SYS_ppoll, SYS_select, SYS_pselect6, SYS_epoll_wait}));
   }
   return rows;
@@ -229,8 +231,9 @@ Rows reading() {
 GrowthTable growingJobs() {
   const Bound bound(Core::First);
   Drains drains(Medium::Tcp);
-  GrowthTable table{.title = "A job over TCP as it grows, until the last byte has arrived",
-                    .columns = {"KiB", "ours, us", "ours, us a MiB", "bare, us a MiB"},
+  GrowthTable table{.title = "Jobs of growing size over TCP, each until its last byte has arrived",
+                    .columns = {"job, KiB", "our time, us", "our time per MiB, us",
+                                "time of a bare job per MiB, us"},
                     .lines = {}};
   const std::vector<std::uint8_t> data(64 * mebibyte, ' ');
   for (std::size_t size = kibibyte; size <= data.size(); size *= 4) {

@@ -119,7 +119,7 @@ Rows idlePorts() {
                            figuresOf(pairs, &Idle::kibibytes), Best::Highest);
   return {comparedRow({"B9", "1,000 idle ports with their threads", "<= 1.3 x", "% of a core"},
                       figuresOf(pairs, &Idle::coreShare), Best::Lowest),
-          comparedRow({"B9", "wake-ups of each", "<= 10 a second", "a second"},
+          comparedRow({"B9", "wake-ups of each port", "<= 10 a second", "a second"},
                       figuresOf(pairs, &Idle::wakeUps), Best::Lowest),
           memory};
 }
@@ -128,8 +128,10 @@ GrowthTable growingPorts() {
   allowManyDescriptors();
   const Bound bound(Core::First);
   GrowthTable table{
-      .title = "Open ports as they grow, each with its thread, asked by turns",
-      .columns = {"ports", "a status, us", "idle, % of a core", "idle, % of a core for 1,000"},
+      .title =
+          "More and more open ports, each with its thread; the ports are asked one after the other",
+      .columns = {"ports", "a status, us", "idle, % of a core",
+                  "idle, % of a core per 1,000 ports"},
       .lines = {}};
   for (const int count : {1, 10, 100, 1000}) {
     constexpr std::size_t statuses = 2000;

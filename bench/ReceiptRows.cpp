@@ -119,9 +119,10 @@ void addRowsOf(const ReceiptKind& kind, Rows& confirmed, Rows& firstByte) {
         return median(seconds);
       },
       [&] { return median(secondsOfEach(jobs, [&] { exchange(counters.bare, questions); })); });
-  firstByte.push_back(comparedRow(
-      {"B16", std::string("from run to its first byte, ") + kind.name, "<= limit + 2 ms", "ms"},
-      beginnings, Best::Lowest, millisecond));
+  firstByte.push_back(
+      comparedRow({"B16", std::string("from a job's start to its first byte, ") + kind.name,
+                   "<= limit + 2 ms", "ms"},
+                  beginnings, Best::Lowest, millisecond));
 }
 
 Row signRow(const ReceiptKind& kind) {
