@@ -22,7 +22,7 @@ class BluetoothCategory : public std::error_category {
       case BluetoothError::NotPaired:
         return "the printer is not paired";
       case BluetoothError::Ambiguous:
-        return "more than one paired printer fits";
+        return "more than one paired printer matches this device";
       case BluetoothError::NoSerialPort:
         return "the device offers no serial port";
       case BluetoothError::Rejected:

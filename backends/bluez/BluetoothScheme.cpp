@@ -29,7 +29,8 @@ constexpr OpenCause causes[] = {
     {of(BluetoothError::NoAnswer), "no-answer-of-service", "the Bluetooth service does not answer",
      "restart the service: sudo systemctl restart bluetooth", bluetoothCategory},
     {of(BluetoothError::NoAdapter), "no-adapter", "the machine has no Bluetooth adapter",
-     "plug an adapter in; bluetoothctl list shows those that the system sees", bluetoothCategory},
+     "plug an adapter in; bluetoothctl list shows the adapters that the system sees",
+     bluetoothCategory},
     {of(BluetoothError::AdapterOff), "adapter-off", "the Bluetooth adapter is switched off",
      "switch the adapter on: rfkill unblock bluetooth, then bluetoothctl power on",
      bluetoothCategory},
@@ -37,8 +38,8 @@ constexpr OpenCause causes[] = {
      "pair the printer: bluetoothctl scan on, then bluetoothctl pair ADDRESS and bluetoothctl "
      "trust ADDRESS",
      bluetoothCategory},
-    {of(BluetoothError::Ambiguous), "ambiguous", "more than one paired printer fits",
-     "name one of them by its address", bluetoothCategory},
+    {of(BluetoothError::Ambiguous), "ambiguous", "more than one paired printer matches this device",
+     "name one of the printers by its address", bluetoothCategory},
     {of(BluetoothError::NoSerialPort), "no-serial-port", "the device offers no serial port",
      "check that the device is the printer; if so, switch it on, remove it by bluetoothctl remove "
      "ADDRESS, and pair it again",
@@ -49,8 +50,8 @@ constexpr OpenCause causes[] = {
      bluetoothCategory},
     {of(BluetoothError::NotAuthorized), "not-authorized",
      "the connection was not authorised in time",
-     "confirm the question on the printer's screen or on this machine's; after bluetoothctl trust "
-     "ADDRESS nobody is asked",
+     "confirm the question on the screen of the printer or of this machine; after the command "
+     "bluetoothctl trust ADDRESS nobody is asked again",
      bluetoothCategory},
     {of(BluetoothError::HostDown), "out-of-range", "the printer does not answer over the air",
      "switch the printer on and bring it nearer; if another host is connected to it, end that "
@@ -104,12 +105,12 @@ std::vector<std::string> places() {
 constinit const Scheme bluetoothScheme = {
     .name = "bluetooth",
     .place = "",
-    .about = "the paired Bluetooth printers; one of them bluetooth:ADDRESS or bluetooth:NAME",
+    .about = "all paired Bluetooth printers; bluetooth:ADDRESS and bluetooth:NAME mean one",
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
         "if another host is connected to the printer, end that connection; set the printer to the "
-        "emulation in which you ask; switch it off and on only if nobody prints on it",
+        "emulation that you have chosen; switch it off and on only if nobody prints on it",
     .ifNotUnderstood = "check that the device is the receipt printer",
     .causes = causes,
     .places = places,

@@ -13,8 +13,7 @@
 // call objects of the frameworks.
 
 #if __has_feature(objc_arc)
-#error \
-    "This folder retains and releases by itself: compile it without automatic reference counting."
+#error "Compile this folder without automatic reference counting: it releases objects itself."
 #endif
 
 namespace quordalvane::handheld {

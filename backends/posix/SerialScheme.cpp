@@ -15,7 +15,8 @@ namespace {
 constexpr std::size_t longestPath = 4095;  // the maximum length of a path in the system
 
 constexpr std::string_view noSuchLine =
-    "plug the printer in and switch it on; ls /dev/serial/by-id shows the lines that are there";
+    "plug the printer in and switch it on; ls /dev/serial/by-id shows the serial lines of this "
+    "machine";
 constexpr std::string_view noTerminal = "name a serial line, such as /dev/ttyUSB0";
 
 constexpr OpenCause causes[] = {
@@ -227,7 +228,7 @@ constinit const Scheme serialScheme = {
     .ifSilent = "switch the printer on; check the cable at both ends",
     .ifNotUnderstood =
         "set the printer to 8 data bits, no parity, 1 stop bit; check that the "
-        "printer is on this line",
+        "printer is connected to this serial line",
     .causes = causes,
     .keys = keys,
     .placeMeantBy = placeMeantBy,

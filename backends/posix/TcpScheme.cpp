@@ -63,10 +63,10 @@ constinit const Scheme tcpScheme = {
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
-        "if another program uses the printer, which serves one at a time, end that program; check "
-        "that the address is the printer's; switch the printer off and on only if nobody "
-        "prints on it",
-    .ifNotUnderstood = "check that the address and the port are the printer's",
+        "if another program uses the printer, end that program, because the printer may serve only "
+        "one program at a time; check that the address belongs to the printer; switch the printer "
+        "off and on only if nobody prints on it",
+    .ifNotUnderstood = "check that the address and the port belong to the printer",
     .causes = causes,
     .placeMeantBy = placeMeantBy,
 };

@@ -41,9 +41,9 @@ constinit const Scheme unixScheme = {
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
-        "if another program uses the printer, which serves one at a time, end that program; check "
-        "that the socket is the printer's",
-    .ifNotUnderstood = "check that the socket is the printer's",
+        "if another program uses the printer, end that program, because the printer may serve only "
+        "one program at a time; check that the socket belongs to the printer",
+    .ifNotUnderstood = "check that the socket belongs to the printer",
     .causes = causes,
     .fileOf = fileOf,
 };

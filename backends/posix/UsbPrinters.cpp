@@ -22,7 +22,7 @@ class UsbCategory : public std::error_category {
       case UsbError::NotPluggedIn:
         return "the printer is not plugged in";
       case UsbError::Ambiguous:
-        return "more than one printer fits";
+        return "more than one USB printer matches this device";
       case UsbError::NoDriver:
         return "the driver usblp is not loaded";
       case UsbError::HeldByPrintSystem:

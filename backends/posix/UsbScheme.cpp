@@ -17,7 +17,7 @@ constexpr int of(UsbError error) {
 constexpr OpenCause causes[] = {
     {of(UsbError::NotPluggedIn), "not-plugged-in", "the printer is not plugged in",
      "plug the printer in and switch it on; lsusb shows what the system sees", usbCategory},
-    {of(UsbError::Ambiguous), "ambiguous", "more than one printer fits",
+    {of(UsbError::Ambiguous), "ambiguous", "more than one USB printer matches this device",
      "name one of the printers by its serial number or its path", usbCategory},
     {of(UsbError::NoDriver), "no-driver", "the driver usblp is not loaded",
      "load the driver: sudo modprobe usblp; if a blacklist below /etc/modprobe.d names usblp, "
@@ -72,11 +72,12 @@ std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity iden
 constinit const Scheme usbScheme = {
     .name = "usb",
     .place = "",
-    .about = "the USB printer; of several usb:SERIAL, usb:VID:PID or usb:/dev/usb/lpN",
+    .about =
+        "the only USB printer; usb:SERIAL, usb:VID:PID and usb:/dev/usb/lpN mean one of several",
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
-        "set the printer to the emulation in which you ask; switch it off and on only if "
+        "set the printer to the emulation that you have chosen; switch it off and on only if "
         "nobody prints on it",
     .ifNotUnderstood = "check that the device is the receipt printer",
     .causes = causes,
