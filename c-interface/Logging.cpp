@@ -34,7 +34,7 @@ QuorLogRecord recordOf(const LogRecord& record) {
 template <typename Make>
 QuorCode add(QuorLogSink** sink, Make make) {
   return guarded([&] {
-    given(sink, "the place for the sink") = nullptr;
+    given(sink, "the pointer that receives the sink") = nullptr;
     auto handle = std::make_unique<QuorLogSink>(make());
     LogWriter::sharedInstance().addSink(handle->sink);
     *sink = handle.release();

@@ -71,7 +71,7 @@ QuorCode writeBy(Writer writer, QuorPort* port, const void* data, size_t size, s
 QuorCode quor_port_create(const char* port_name, const char* port_settings, uint32_t timeout,
                           int32_t emulation, QuorPort** port) {
   return guarded([&] {
-    given(port, "the place for the port") = nullptr;
+    given(port, "the pointer that receives the port") = nullptr;
     auto created = ExternalAccessoryPort::initWithPortName(
         textOrNone(port_name), textOrNone(port_settings), timeout, emulationOf(emulation));
     succeed(created != nullptr,

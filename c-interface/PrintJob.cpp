@@ -38,7 +38,7 @@ const PrintResult& resultOf(QuorPrintJob* job) {
 QuorCode quor_print_job_create(QuorPort* port, int32_t proof, QuorProgress progress, void* context,
                                QuorPrintJob** job) {
   return guarded([&] {
-    given(job, "the place for the job") = nullptr;
+    given(job, "the pointer that receives the job") = nullptr;
     QuorPrintJob::Progress told;
     if (progress != nullptr) {
       told = [progress, context](const PrintProgress& now) {

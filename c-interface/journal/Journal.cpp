@@ -29,7 +29,7 @@ QuorJobRecord recordOf(const JobRecord& job) {
 
 QuorCode quor_journal_open(const char* file, QuorJournal** journal) {
   return guardedJournal([&] {
-    given(journal, "the place for the journal") = nullptr;
+    given(journal, "the pointer that receives the journal") = nullptr;
     *journal =
         new QuorJournal{std::make_shared<Journal>(file == nullptr ? Journal::defaultFile() : file)};
   });

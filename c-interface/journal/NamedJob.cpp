@@ -38,7 +38,7 @@ NamedJobResult run(QuorNamedJob& named, QuorPrintJob& job) {
 QuorCode quor_named_job_create(QuorJournal* journal, const QuorNamedJobRequest* request,
                                const void* data, size_t size, QuorNamedJob** job) {
   return guardedJournal([&] {
-    given(job, "the place for the named job") = nullptr;
+    given(job, "the pointer that receives the named job") = nullptr;
     *job = new QuorNamedJob(given(journal, "the journal").journal,
                             requestOf(given(request, "the request")), copyOf(data, size));
   });
@@ -69,7 +69,7 @@ QuorCode quor_named_job_refuse(QuorNamedJob* job, const char* reason) {
     result.bytesTotal = given(job, "the named job").data.size();
     result.reason = &given(reason, "the reason");
     if (job->job.answer()) {
-      throw CallFailure(QUOR_USAGE, "the journal has answered this job");
+      throw CallFailure(QUOR_USAGE, "this job was begun before, so that it cannot be refused now");
     }
     job->end();
     job->told = job->job.refuse(result);

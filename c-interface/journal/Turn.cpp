@@ -18,7 +18,7 @@ struct QuorTurn {
 QuorCode quor_turn_take(const char* device, uint32_t timeout, QuorWaiting waiting, void* context,
                         QuorTurn** turn) {
   return guarded([&] {
-    given(turn, "the place for the turn") = nullptr;
+    given(turn, "the pointer that receives the turn") = nullptr;
     const std::string identity = deviceIdentity(parseDeviceSpec(&given(device, "the device")));
     if (identity.empty()) {
       return QUOR_NONE;

@@ -103,7 +103,8 @@ static void OlderJobsAreForgottenAndTheirNumberIsReturned(void) {
 
 static void AJournalFunctionRefusesANullPointer(void) {
   QuorJournal* journal = journalInFolder();
-  EXPECT_FAILURE(quor_journal_open("jobs.db", NULL), QUOR_USAGE, "place for the journal");
+  EXPECT_FAILURE(quor_journal_open("jobs.db", NULL), QUOR_USAGE,
+                 "pointer that receives the journal");
   EXPECT_FAILURE(quor_journal_jobs(NULL, see, NULL), QUOR_USAGE, "journal");
   EXPECT_FAILURE(quor_journal_jobs(journal, NULL, NULL), QUOR_USAGE, "function");
   EXPECT_FAILURE(quor_journal_forget(journal, NULL), QUOR_USAGE, "name");
