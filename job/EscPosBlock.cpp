@@ -60,7 +60,8 @@ MaybeSetback EscPosBlock::markBeginning() {
   isFirstMarkReported_ = sinceMark_.lastReport() == countOfOneMark;
   if (sinceMark_.lastReport() && !isFirstMarkReported_) {
     return Setback{PrintObstacle::ExchangeFailed,
-                   "before this job began, the printer counted the end of an earlier job"};
+                   "the printer has already counted the end of an earlier job, so that it cannot "
+                   "confirm this job"};
   }
   return std::nullopt;
 }
@@ -131,8 +132,9 @@ MaybeSetback EscPosBlock::judgeProof() const {
     return Setback{PrintObstacle::NoProof,
                    "the printer lost its count during the job; perhaps it was switched off and on"};
   }
-  return Setback{PrintObstacle::NoProof, "the printer reported " + std::to_string(*count - 1) +
-                                             " ends of jobs instead of this one's"};
+  return Setback{PrintObstacle::NoProof, "the printer reported the ends of " +
+                                             std::to_string(*count - 1) +
+                                             " jobs instead of only this job"};
 }
 
 }  // namespace quordalvane

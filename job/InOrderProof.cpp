@@ -29,7 +29,7 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
   const auto inData = inOrderRequestsIn(data);
   if (!isSure_ || (inData && answers().inOrderCount() > asked_ + *inData)) {
     return Setback{PrintObstacle::NoProof,
-                   "before the job, the printer did not answer a question exactly once"};
+                   "before the job, the printer answered a question more than once or not at all"};
   }
   if (!inData) {
     return Setback{PrintObstacle::NoProof,

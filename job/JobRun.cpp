@@ -102,7 +102,7 @@ void JobRun::finishCancelled(ByteView data) {
   link_.port().close();
   stop({PrintObstacle::Cancelled,
         isTold        ? "cancelled, and the printer was made to drop the rest"
-        : isInCommand ? "cancelled inside a command whose rest the printer still waits for"
+        : isInCommand ? "cancelled while the printer waits for the rest of a command"
                       : "cancelled"});
 }
 

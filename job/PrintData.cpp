@@ -23,7 +23,7 @@ struct Obstacle {
 // confused with the status that confirms the job. In ESC/POS this answer cannot be confused with
 // the report that confirms the job.
 const Obstacle obstacles[] = {
-    {{0x17}, Matters::Always, "an end-of-block mark (17), which the printer counts"},
+    {{0x17}, Matters::Always, "an end-of-block mark (17)"},
     {{0x1b, 0x1d, 0x03}, Matters::Always, "a command of the checked block (1b 1d 03)"},
     {{0x1b, 0x1e, 0x45}, Matters::Always, "a reset of the printer's counter (1b 1e 45)"},
     {{0x1b, 0x06, 0x01}, Matters::InLineMode, "a status request (1b 06 01)"},
@@ -53,15 +53,15 @@ const Obstacle* obstacleAt(ByteView data, ZKEmulation emulation) {
 
 std::string cutShort(std::size_t position) {
   return "the data ends inside the command that begins at byte " + grouped(position) +
-         ", so that the printer takes the mark of the job's end for data";
+         ", so that the printer reads the mark after the job as data";
 }
 
 std::string obstructed(const Obstacle& obstacle, std::size_t position,
                        std::optional<std::size_t> unknown) {
-  return "the data itself holds " + std::string(obstacle.what) + " at byte " + grouped(position) +
-         ", so that the printer's sign could be the data's own" +
+  return "the data contains " + std::string(obstacle.what) + " at byte " + grouped(position) +
+         "; this could itself cause the printer's confirmation" +
          (unknown ? " (the command at byte " + grouped(*unknown) +
-                        " is not known, so that no byte after it is certain to be an image's)"
+                        " is unknown, so that any byte after it may be a command)"
                   : "");
 }
 
@@ -183,7 +183,7 @@ std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emula
 }
 
 std::optional<std::string> endSignObstacle(ByteView data) {
-  constexpr auto dropsData = "the data itself holds a command at which a printer drops data";
+  constexpr auto dropsData = "the data contains a command at which a printer drops data";
   // A real-time command takes effect wherever its bytes are in the data.
   if (holds(data, {0x10, 0x14, 0x08})) {
     return dropsData;

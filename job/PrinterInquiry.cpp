@@ -218,7 +218,7 @@ std::string PrinterInquiry::firmware() {
   // failed because the printer is off line.
   if (!question.isLost() && question.ask(online) && !isOnline) {
     throw InquiryError(InquiryCause::NotReady,
-                       "the printer is off line, and can only be asked for its firmware on line");
+                       "the printer is off line; it reports its firmware only when it is on line");
   }
   question.fail(InquiryCause::NoAnswer, "the printer did not report its firmware");
 }

@@ -36,7 +36,7 @@ inline constexpr ProofWords proofWords[] = {
     {ProofKind::Block, "block", "the printer counts marks before and after each job"},
     {ProofKind::ProcessId, "process-id", "the printer returns the characters that end each job"},
     {ProofKind::InOrder, "in-order",
-     "the printer answers the question that ends each job, in order"},
+     "the printer answers a question after each job, when it has processed the job"},
     {ProofKind::None, "none", "the printer confirms no job, so each job is unconfirmed at best"},
 };
 

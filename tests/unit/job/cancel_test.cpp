@@ -58,7 +58,7 @@ TEST_P(JobCancellation, EndsTheJobWithinASecondDuringALongImage) {
   const PrintResult result = job.run(data);
   EXPECT_LT(till.platform->clock().monotonic() - start, milliseconds(4000));
   EXPECT_EQ(result.obstacle, PrintObstacle::Cancelled);
-  EXPECT_THAT(result.reason, testing::StartsWith("cancelled inside a command whose rest"));
+  EXPECT_THAT(result.reason, testing::StartsWith("cancelled while the printer waits"));
   EXPECT_FALSE(till.port->isConnected());
 }
 

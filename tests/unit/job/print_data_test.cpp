@@ -152,13 +152,13 @@ TEST(ConfirmationObstacle, NamesTheCommandAndItsOffset) {
   Bytes data(1500, 'x');
   data[1204] = 0x17;
   EXPECT_THAT(confirmationObstacle(data, ZKEmulationESCPOS).value_or(""),
-              HasSubstr("an end-of-block mark (17), which the printer counts at byte 1,204"));
+              HasSubstr("an end-of-block mark (17) at byte 1,204"));
 }
 
 TEST(ConfirmationObstacle, NamesAnUnknownCommandThatPrecedesAnEndMark) {
   EXPECT_THAT(
       confirmationObstacle(Bytes{'a', 0x1b, 0xff, 'b', 0x17}, ZKEmulationESCPOS).value_or(""),
-      HasSubstr("the command at byte 1 is not known"));
+      HasSubstr("the command at byte 1 is unknown"));
 }
 
 TEST(NeverAnsweredData, IncludesTextAndImagesAndUsualCommands) {

@@ -325,7 +325,7 @@ TEST(EscPosJob, ReportsThatThePrinterAlsoCountedTheEndOfAnotherJob) {
   const PrintResult result = job.run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason,
-            "the printer reported 2 ends of jobs instead of this one's after all 45 bytes");
+            "the printer reported the ends of 2 jobs instead of only this job after all 45 bytes");
 }
 
 TEST(EscPosJob, ReportsThatItsLastStatusIsInvalid) {
@@ -385,9 +385,10 @@ TEST(LineModeJob, ReportsThatAStatusRequestInItsDataPreventsConfirmation) {
   data.insert(data.end(), {0x1b, 0x06, 0x01});
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
-  EXPECT_EQ(result.reason,
-            "cannot be confirmed: the data itself holds a status request (1b 06 01) at byte 45, so "
-            "that the printer's sign could be the data's own after all 48 bytes");
+  EXPECT_EQ(
+      result.reason,
+      "cannot be confirmed: the data contains a status request (1b 06 01) at byte 45; this could "
+      "itself cause the printer's confirmation after all 48 bytes");
 }
 
 TEST(JobInAnUnknownEmulation, IsSentAndNeverConfirmed) {
