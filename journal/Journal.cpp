@@ -64,7 +64,7 @@ std::filesystem::path Journal::defaultFile() {
   }
   const char* const home = std::getenv("HOME");
   if (home == nullptr || *home == '\0') {
-    throw JournalError("jobs.db", "neither XDG_STATE_HOME nor HOME names a folder for it");
+    throw JournalError("jobs.db", "neither XDG_STATE_HOME nor HOME names a folder for the journal");
   }
   return std::filesystem::path(home) / ".local/state/quorport/jobs.db";
 }

@@ -75,7 +75,7 @@ void makeFolder(const std::filesystem::path& folder, const std::filesystem::path
 
 void removeIfThere(const std::filesystem::path& file, const std::filesystem::path& journal) {
   if (::unlink(file.c_str()) != 0 && errno != ENOENT) {
-    fail(journal, "the rest of an earlier attempt to create it cannot be removed");
+    fail(journal, "a file of an earlier attempt to create the journal cannot be removed");
   }
 }
 

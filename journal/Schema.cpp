@@ -62,10 +62,10 @@ void refuseWhatIsNoJournal(Database& database, std::int64_t version) {
                        "it is not a journal, but an empty file or another program's database");
   }
   if (version > schemaVersion()) {
-    throw JournalError(database.file(), "a later program wrote it in version " +
-                                            std::to_string(version) +
-                                            "; this program knows versions up to " +
-                                            std::to_string(schemaVersion()));
+    throw JournalError(database.file(),
+                       "a newer release of this program wrote the journal in version " +
+                           std::to_string(version) + "; this release knows versions up to " +
+                           std::to_string(schemaVersion()));
   }
 }
 
