@@ -34,8 +34,8 @@ void printTestPage(CodePage page, unsigned width, const Output& output) {
   const std::string title = "Code page " + std::to_string(page.number().value_or(0));
   TextPrinting printing(width, std::move(page), output);
   printing.add(title +
-               "\n\nOf two lines the first has\nthe printer's letters, and\n"
-               "the second is drawn.\nBoth must be the same.\n\n");
+               "\n\nEach line is printed twice:\nas the printer's letters, and\n"
+               "below as a picture.\nBoth must be the same.\n\n");
   for (const std::string& line : lines) {
     printing.add(line + "\n");
     printing.addDrawn(line);
