@@ -43,10 +43,9 @@ void setPage(Pages& pages, std::string_view pair) {
       names.append(names.empty() ? "" : ", ").append(page);
     }
     throw std::invalid_argument(
-        "codePages takes \"common\", \"small\", or pairs NUMBER:NAME joined by blanks or + with a "
-        "number "
-        "from 0 to 255 and one of the names " +
-        names + ", not " + inQuotes(pair));
+        "codePages takes \"common\", \"small\" or pairs NUMBER:NAME such as 0:437+16:1252, with a "
+        "NUMBER from 0 to 255 and one of these names: " +
+        names + "; not " + inQuotes(pair));
   }
 }
 

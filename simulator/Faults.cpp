@@ -165,7 +165,8 @@ bool parseAt(Text text, Fault& fault) {
 }
 
 constexpr Text everyReply =
-    "all, the number of a reply, or block, process-id, in-order, unasked or cleared";
+    "\"all\", the number of a reply, or a kind of replies: \"block\", \"process-id\", "
+    "\"in-order\", \"unasked\" or \"cleared\"";
 
 using Part = FaultPart;
 using Parts = std::span<const Part>;
@@ -204,10 +205,10 @@ constexpr Form commandForms[] = {
     {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace,
      "after the given count of bytes there is no space for the given time", stall},
     {FaultKind::LateReply, "late-reply",
-     "MS or MS@REPLY, REPLY being a number or a kind like process-id", parseLate,
+     "MS or MS@REPLY, where REPLY is a number or a kind such as process-id", parseLate,
      "each reply is delayed by the given time", delay},
-    {FaultKind::SplitReply, "split-reply", "rising offsets like 3/7 or 3/7@REPLY", parseSplit,
-     "each reply arrives in pieces", split},
+    {FaultKind::SplitReply, "split-reply", "rising offsets in the reply, such as 3/7, or 3/7@REPLY",
+     parseSplit, "each reply arrives in pieces", split},
     {FaultKind::DuplicateReply, "duplicate-reply", everyReply, parseReply,
      "each reply is sent twice", oneReply},
     {FaultKind::DropReply, "drop-reply", everyReply, parseReply, "each reply is lost", oneReply},
@@ -215,17 +216,18 @@ constexpr Form commandForms[] = {
      "one bit of each reply is wrong", oneReply},
     {FaultKind::StrayByte, "stray-byte", "two hex digits, or two hex digits@REPLY", parseStrayByte,
      "the given byte is sent before each reply", strayByte},
-    {FaultKind::WrongId, "wrong-id", "all or the number of a reply", parseIdReply,
+    {FaultKind::WrongId, "wrong-id", "\"all\" or the number of a reply", parseIdReply,
      "one character of each returned process ID is wrong", oneReply},
-    {FaultKind::ForeignReply, "foreign-reply", "block, process-id or in-order", parseProof,
-     "a reply of this kind to another host's job is sent first", proofReply},
+    {FaultKind::ForeignReply, "foreign-reply", "\"block\", \"process-id\" or \"in-order\"",
+     parseProof, "a reply of this kind to another host's job is sent first", proofReply},
     {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber,
      "the reply with the given number and all later replies are lost", replyNumber},
     {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut,
      "the link ends when the printer has received the given count of bytes", cutAfter},
     {FaultKind::CutAfterOut, "cut-after-out", "BYTES or BYTES:drain|at-once|reset", parseCut,
      "the link ends when the printer has sent the given count of bytes", cutAfter},
-    {FaultKind::Cut, "cut", "drain, at-once or reset", parseEnding, "the link ends now", cutNow},
+    {FaultKind::Cut, "cut", "\"drain\", \"at-once\" or \"reset\"", parseEnding, "the link ends now",
+     cutNow},
     {FaultKind::PrintsNothing, "prints-nothing", "true", parseTrue,
      "all data is accepted but nothing is printed", Parts()},
     {FaultKind::At, "at", "MS:KEY=VALUE with a printer setting or another fault", parseAt,

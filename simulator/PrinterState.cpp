@@ -201,7 +201,7 @@ constexpr Setting settings[] = {
      [] {
        return std::vector<Text>{"common", "small"};
      }},
-    {"multiByte", Kind::Text, 0, 0, "the encoding of characters of several bytes",
+    {"multiByte", Kind::Text, 0, 0, "the encoding of multi-byte characters",
      [](State& state, Text value) { state.characters.setMultiByte(value); },
      [](const State& state) { return std::string(nameOf(state.characters.multiByte)); },
      multiBytes},
