@@ -217,7 +217,7 @@ class DoctorResult(Case):
             result = run("-d", simulator.place, "-e", "escpos", "doctor")
             self.assertExit(0, result)
             self.assertIn(f"  proof: {found}: the printer ", result.out)
-            self.assertIn(f",proof={found} a job need not ask", result.out)
+            self.assertIn(f"add ,proof={found} to the device", result.out)
             (device,) = run("-d", simulator.place, "-e", "escpos", "doctor", "--json").json()["devices"]
             self.assertEqual(device["proof"], found)
         self.assertIn("unconfirmed at best", result.out)

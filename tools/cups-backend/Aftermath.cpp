@@ -9,7 +9,7 @@ namespace {
 void complainUnconfirmed(const std::string& why, StatusLines& lines) {
   lines.setReasons(unconfirmedJob);
   lines.complain("unconfirmed: " + why +
-                 "; look at the paper before you release the job, which prints it again");
+                 "; look at the paper before you release the job; a released job is printed again");
 }
 
 // Returns true if a person must decide about the block, and reports why. Returns false if the block

@@ -195,8 +195,9 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
     reasons.merge(reasonsIn(*result.status));
   }
   with_.lines.setReasons(reasons);
-  with_.lines.complain("unconfirmed: " + result.reason +
-                       "; look at the paper before you release the job, which prints it again");
+  with_.lines.complain(
+      "unconfirmed: " + result.reason +
+      "; look at the paper before you release the job; a released job is printed again");
   try {
     named.tell();
   } catch (const JournalError& error) {

@@ -57,7 +57,8 @@ std::string proofLine(const Diagnosis& diagnosis) {
   }
   return "  proof: " + inWords(*diagnosis.proof) +
          (diagnosis.emulation == ZKEmulationESCPOS
-              ? "; with ,proof=" + std::string(nameOf(*diagnosis.proof)) + " a job need not ask"
+              ? "; add ,proof=" + std::string(nameOf(*diagnosis.proof)) +
+                    " to the device, and no job asks for the proof"
               : "") +
          "\n";
 }
@@ -79,9 +80,9 @@ Findings examinePortName(const Options& options, const Surroundings& surrounding
       chosenAccessory(*platform, anyPrinter) == nullptr) {
     return {};
   }
-  return {
-      {"port-name", ExitCode::NoAccessory, noneMatches(*platform, options).what(),
-       "use --port-name BT: for the first printer, or BT: and a name that quorport list shows"}};
+  return {{"port-name", ExitCode::NoAccessory, noneMatches(*platform, options).what(),
+           "use --port-name \"BT:\" for the first printer, or \"BT:NAME\" with a name that "
+           "quorport list shows"}};
 }
 
 void add(Report& report, const Findings& findings) {

@@ -34,9 +34,9 @@ inline constexpr auto commandFooter =
     "them.";
 
 inline constexpr auto doctorFooter =
-    "This command examines the device of every --device, and prints nothing. Without --device the\n"
-    "exit status is 2. If a serial printer does not answer, it is asked at every other speed as\n"
-    "well, and may print stray characters.\n"
+    "This command examines the device of every --device, and sends no data to be printed. Without\n"
+    "--device the exit status is 2. If a serial printer does not answer, this command tries all\n"
+    "speeds; then the printer may print stray characters.\n"
     "The exit status is 0 if no fault is found, otherwise that of the first fault: 1, 3, 4 or 5.\n";
 
 inline constexpr auto monitorFooter =
@@ -45,16 +45,16 @@ inline constexpr auto monitorFooter =
     "link-lost or unreachable), text, status (null if there is none), changed (the names of the\n"
     "changed fields of the status), and error if ok is false.\n"
     "If the link is lost, this command opens it again. A printer that serves one host at a time\n"
-    "serves no other host meanwhile. With --count the exit status is that of the last status\n"
-    "request: 0, 1, 3 or 5.\n";
+    "serves no other host while this command runs. With --count the exit status is that of the\n"
+    "last status request: 0, 1, 3 or 5.\n";
 
 inline constexpr auto simulateFooter =
     "The first line on standard output names the place where the printer listens: the word\n"
-    "listening, a blank, and a SPEC for --device. If a terminal was dropped, another one with a\n"
-    "new path replaces it, and the same line with this path is written to standard error.\n"
-    "With --json that first line is a JSON object, and each job adds another one when it ends.\n"
-    "Each line on standard input and on the control socket is a JSON object, and is answered by\n"
-    "one:\n"
+    "listening, a blank, and a SPEC for --device. If a fault ends the link of a terminal (pty:),\n"
+    "a terminal with a new path replaces it, and a line with this path is written to standard\n"
+    "error. With --json the first line is a JSON object, and each job adds an object at its end.\n"
+    "Standard input and the control socket take control lines. Each control line is a JSON\n"
+    "object, and the answer is a JSON object as well. Examples:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
     "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n"
     "  {\"tear\": \"paper\"}                           {\"print\": \"test\"}\n"

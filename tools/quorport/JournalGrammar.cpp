@@ -7,10 +7,10 @@ namespace quordalvane::tool {
 namespace {
 
 constexpr auto jobsFooter =
-    "A job is in the journal if it was printed with --job. Its outcome is printed, unconfirmed,\n"
-    "refused, or, while a process prints it, printing. If that process ends too early, the job is\n"
-    "unconfirmed. If the name of a forgotten job is used again, the job is printed even if it is\n"
-    "on paper already.\n";
+    "A job is in the journal if it was printed with --job. Its outcome is one of these words:\n"
+    "printed, unconfirmed, refused, or printing (a process is still printing the job). If this\n"
+    "process ends too early, the outcome is unconfirmed. If the name of a forgotten job is used\n"
+    "again, the job is printed even if it is on paper already.\n";
 
 void addJournal(CLI::App& app, std::optional<std::string>& journal) {
   app.add_option("--journal", journal,

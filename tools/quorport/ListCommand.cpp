@@ -61,9 +61,10 @@ Report list(const Options& options, const Surroundings& surroundings) {
       report.json["device"] = devices[i];
     }
   }
-  report.text +=
-      chosen ? "(* is the one that the port name " + inQuotes(options.portName) + " chooses)\n"
-             : "The port name " + inQuotes(options.portName) + " chooses none of them.\n";
+  report.text += chosen
+                     ? "(* marks the accessory that the port name " + inQuotes(options.portName) +
+                           " chooses)\n"
+                     : "The port name " + inQuotes(options.portName) + " chooses none of them.\n";
   return report;
 }
 

@@ -143,7 +143,8 @@ void addGlobalOptions(CLI::App& app, Options& options) {
 
 void addStatusOptions(CLI::App& app, Options& all) {
   StatusOptions& options = all.status;
-  addText(app, "--level", "N", "the level of the status, which only the log shows (default 0)",
+  addText(app, "--level", "N",
+          "the number that the log shows as the level of the request (default 0)",
           [&options](const std::string& text) {
             options.level = number(text, {0, longestTime}, "a number");
           });
@@ -169,7 +170,7 @@ void addPrintOptions(CLI::App& app, Options& all) {
           "the time to wait until somebody takes the paper from the exit",
           options.holdPrintTimeout);
   addText(app, "--receipt", "FILE.png|.txt",
-          "write the receipt that the virtual printer printed to this file",
+          "write to this file the receipt that the virtual printer has printed",
           [&options](const std::string& text) {
             if (!text.ends_with(".png") && !text.ends_with(".txt")) {
               throw CLI::ValidationError("takes a name that ends in .png or .txt, not " +
@@ -224,7 +225,8 @@ void addSimulateOptions(CLI::App& app, Options& all) {
             {{"one", HostRule::One}, {"turns", HostRule::Turns}, {"refuse", HostRule::Refuse}});
       });
   addTexts(app, "--set", "KEY=VALUE",
-           "set the printer's state or a fault, like the keys of virtual:; may be repeated",
+           "set a state or a fault of the printer; the keys are those of a device virtual:; may be "
+           "repeated",
            options.settings);
   app.add_option("--receipts", options.receipts,
                  "write the receipt of each job into this folder, as text and as a picture")
@@ -239,7 +241,7 @@ void addSimulateOptions(CLI::App& app, Options& all) {
           });
   app.add_flag(
       "--strict", options.strict,
-      "end with exit status 1 if a job held an unknown command, an incomplete command, or a "
+      "end with exit status 1 if a job contained an unknown command, an incomplete command, or a "
       "character that its code page lacks");
   app.add_option("--control", options.control, "accept control lines on this socket as well")
       ->type_name("unix:PATH");

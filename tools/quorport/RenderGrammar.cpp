@@ -30,9 +30,8 @@ void addContent(CLI::App& app, RenderOptions& options, CLI::Option& file) {
         options.content = Content::TestPage;
         file.required(false);
       },
-      "print all characters of the code page instead of FILE, each line twice, as text and drawn: "
-      "if "
-      "the two differ, the printer lacks the code page");
+      "print all characters of the code page instead of FILE; each line is printed as text, and "
+      "below as a picture; if text and picture differ, the printer lacks the code page");
   text->excludes(image);
   page->excludes(text)->excludes(image)->excludes(&file);
   CLI::Option* const codePage = addValue(app, "--codepage", "N",

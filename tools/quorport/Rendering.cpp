@@ -38,8 +38,8 @@ void tellMissing(const std::set<char32_t>& missing, const Streams& streams) {
   }
   complain("no font on this machine has" + names +
                (missing.size() > mostNamed ? " and others" : "") +
-               ": a box with the number is printed for each; Debian's fonts-noto-core and "
-               "fonts-noto-cjk have most characters",
+               ": each of these characters is printed as a box with its number; Debian's "
+               "fonts-noto-core and fonts-noto-cjk have most characters",
            streams);
 }
 

@@ -206,7 +206,8 @@ Json Control::get(const std::string& what, std::size_t printer) const {
   if (what == "counters") {
     return countersOf(asked.deeds.counters(), asked.printer.printedBytes());
   }
-  refuse("get takes \"state\", \"settings\", \"faults\" or \"counters\", not " + inQuotes(what));
+  refuse("the key get takes \"state\", \"settings\", \"faults\" or \"counters\", not " +
+         inQuotes(what));
 }
 
 void Control::change(const Printers& printers, const Json& request, simulator::Instant now) {
