@@ -66,7 +66,7 @@ OTHERS: dict[str, tuple[object, tuple[object, ...]]] = {
 
 @functools.cache
 def load() -> None:
-    """Loads the journal's library, which is beside the port's, and declares its functions."""
+    """Loads the journal's library, from the same folder as the port's library, and declares its functions."""
     name = os.environ.get("QUORIOPORT_LIBRARY", "libQuorIOPort.so.0").replace("QuorIOPort", "QuorJournal")
     try:
         c.add(ctypes.CDLL(name), CODES, OTHERS)

@@ -38,7 +38,7 @@ class Proof(Enum):
     NONE = "none"
     #: The key `proof=` of the device decides. If it is missing, the printer is asked before the job.
     AUTO = "auto"
-    #: The printer counts marks before and after the data.
+    #: Two marks enclose the data. The printer counts these marks.
     BLOCK = "block"
     #: The job ends with a command that contains four random characters. The printer answers with these characters.
     #: Only in ESC/POS.
@@ -224,7 +224,7 @@ class PrintJob:
     def steps(self, data: bytes | bytearray | memoryview) -> Iterator[Progress]:
         """Prints the data and yields its progress; afterwards `result` is set.
 
-        Leaving the loop early cancels the job, and so does Ctrl-C.
+        Leaving the loop over the progress early cancels the job, and so does Ctrl-C.
         """
         told: queue.SimpleQueue[Progress | None] = queue.SimpleQueue()
 
@@ -238,7 +238,7 @@ class PrintJob:
         try:
             while (progress := told.get()) is not None:
                 yield progress
-        except BaseException:  # the caller has left the loop, or Ctrl-C ends the wait
+        except BaseException:  # the caller has left its loop over the progress, or Ctrl-C ends the wait
             self.cancel()
             raise
         finally:
@@ -247,8 +247,9 @@ class PrintJob:
     def cancel(self) -> None:
         """Cancels the job, even before it runs. Any thread may call this.
 
-        A running job notices this within 0.3 s. It then asks the printer to drop the data that is not yet
-        printed; if the link does not take this within 0.5 s, the data remains in the printer. The link is closed.
+        A running job notices this within 0.3 s. It then sends the printer a command to drop the data that is not yet
+        printed, and closes the link. If the link does not accept this command within 0.5 s, the data remains in the
+        printer.
         """
         self._is_cancelled = True
         if self._running is not None:

@@ -19,8 +19,8 @@ def forward_log(
 ) -> Iterator[logging.Logger]:
     """Passes the library's records to a logger until the block ends. The default logger is "quorioport".
 
-    Errors have the level ERROR, all other records DEBUG. The library creates records only while such a block is active.
-    If there are several blocks, each gets all records, and the latest block sets the library's own `levels`.
+    Errors have the level ERROR, all other records DEBUG. The library creates records only while at least one block is
+    active. All active blocks get the same records: those of the `levels` of the latest block.
     """
     target = logger or logging.getLogger("quorioport")
 

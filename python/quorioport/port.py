@@ -171,7 +171,7 @@ class Port:
         return PrintJob(self, proof=proof, progress=progress).run(data)
 
     def start_job(self, job: RunningJob, data: bytes) -> Future[PrintResult]:
-        """Starts the job on the port's thread; for PrintJob."""
+        """Starts the job on the port's thread. For internal use."""
         return self._worker.submit(job.run, self._handle, data)
 
     def status(self) -> Status:
