@@ -10,9 +10,9 @@ constexpr int white = 255;
 constexpr int middle = 128;
 constexpr std::size_t patternSize = 8;
 
-// Returns the place of a dot in the order in which the dots of a square of 8 by 8 become black. The
-// bits of y and of x XOR y are interleaved, the lowest bits first, which puts neighbouring dots far
-// apart in this order.
+// As a square of 8 by 8 dots darkens, its dots become black one after another. Returns the number
+// of a dot in this order. The number interleaves the bits of y and of x XOR y, the lowest bits
+// first, so that neighbouring dots have distant numbers.
 constexpr int rank(std::size_t x, std::size_t y) {
   std::size_t value = 0;
   for (unsigned bit = 0; bit < 3; ++bit) {

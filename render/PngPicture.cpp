@@ -43,7 +43,7 @@ bool readHeader(png_structp png, png_infop info) {
   if (setjmp(png_jmpbuf(png)) != 0) {
     return false;
   }
-  // This source checks the size itself and reports it in its own words, so the library's limits are
+  // The constructor checks the size itself, with a clearer error, so the limits of libpng are
   // lifted.
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
   png_read_info(png, info);

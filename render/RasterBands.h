@@ -26,7 +26,7 @@ class RasterBands {
   RasterBands(unsigned width, Output output, Top top = Top::LeaveOutWhite);
 
   /// Adds a row of `width` / 8 bytes. The highest bit of a byte is its leftmost dot; 1 is black.
-  /// White rows are sent only after a row with a black dot has followed them, or by `flush`.
+  /// White rows are kept back until a row with a black dot follows them, or until `flush`.
   void add(ByteView dots);
 
   /// Sends all rows so far, including white rows at the end. To be called if something else follows

@@ -31,8 +31,8 @@ class RowScaler {
   unsigned height_;
   unsigned row_ = 0;
   unsigned sourceRow_ = 0;
-  std::vector<std::size_t>
-      edges_;  // the source column at which each pixel begins, and the end of the last
+  // Pixel x of a scaled row covers the source columns from edges_[x] to edges_[x + 1] - 1.
+  std::vector<std::size_t> edges_;
   std::vector<std::uint8_t> source_;
   std::vector<std::uint64_t> sums_;
   std::vector<std::uint8_t> scaled_;

@@ -29,7 +29,7 @@ Owned<PangoContext> makeContext() {
   Owned<PangoContext> context(pango_font_map_create_context(fonts.get()));
   const std::unique_ptr<cairo_font_options_t, void (*)(cairo_font_options_t*)> options(
       cairo_font_options_create(), cairo_font_options_destroy);
-  // Without rounding the widths of letters to whole dots, columns remain aligned.
+  // Letter widths rounded to whole dots would put columns out of alignment.
   cairo_font_options_set_hint_metrics(options.get(), CAIRO_HINT_METRICS_OFF);
   cairo_font_options_set_hint_style(options.get(), CAIRO_HINT_STYLE_NONE);
   cairo_font_options_set_antialias(options.get(), CAIRO_ANTIALIAS_GRAY);

@@ -13,8 +13,8 @@
 namespace quordalvane::render {
 
 /// Turns UTF-8 text into the printer's commands. If all characters of a line are in the printer's
-/// code page, the line is sent as text, which is fast and sharp; otherwise it is drawn. Only one
-/// line is kept in memory, so a text may have any length.
+/// code page, the line is sent as text, which is fast and sharp; otherwise it is drawn and sent as
+/// a picture. Only one line is kept in memory, so a text may have any length.
 class TextPrinting {
  public:
   /// `width` is in dots and must be a multiple of 8.
@@ -23,7 +23,8 @@ class TextPrinting {
   /// Adds a piece of the text. Throws the exceptions of TextLines::add.
   void add(std::string_view piece) { lines_.add(piece); }
 
-  /// Adds a line that is always drawn. The text added before must have ended with a line end.
+  /// Adds a line that is sent as a picture even if the printer has all its characters. The text
+  /// added before must have ended with a line end.
   void addDrawn(const std::string& line);
 
   /// Sends the remaining text. Throws the exceptions of TextLines::end.
