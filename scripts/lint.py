@@ -66,7 +66,7 @@ class Lint:
 
     @staticmethod
     def rules(source: Path) -> list[Path]:
-        """Returns the files that configure the checks of the source's folder."""
+        """Returns the files that configure the checks for a source: those in its folder and in the folders above."""
         folders = [folder for folder in source.parents if folder.is_relative_to(ROOT)]
         return [folder / RULES for folder in folders if (folder / RULES).is_file()]
 

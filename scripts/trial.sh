@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # trial.sh FOLDER: tries the packages as a new user would, in a bare Debian system that it creates
-# in FOLDER/bare. It installs the packages of FOLDER there, and runs the scripts of scripts/trial,
-# each of which begins with the claim that it tests. It needs root, debootstrap and the network. The
-# bare system does not see this machine's files, and the trials have a network of their own, so this
-# machine's ports cannot disturb them. Each step shows its duration.
+# in FOLDER/bare. It installs the packages of FOLDER there, and runs the scripts of scripts/trial.
+# The first line of each of these scripts is the claim that the script tests. trial.sh needs root,
+# debootstrap and the network. The bare system does not see this machine's files, and the trials
+# have a network of their own, so this machine's ports cannot disturb them. Each step shows its
+# duration.
 set -euo pipefail
 folder=$1
 root=$folder/bare
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
-# Tools that the packages neither contain nor require, and packages that they only recommend.
+# Tools that the trials need, and packages that the tried packages can use but do not require.
 tools=(cmake g++ iproute2 ninja-build pkg-config)
 recommended=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
 

@@ -1,4 +1,4 @@
-# A queue, created as its guide describes, prints as the user lp in a print system that root has started.
+# A queue, created by the command in docs/print-system.md, prints under the account lp in a print system that root has started.
 . ./printer.sh
 serve_printer
 cupsd

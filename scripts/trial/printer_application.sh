@@ -1,4 +1,4 @@
-# The printer application, started as its unit says, prints as a user of its own, with its state below /var/lib.
+# The printer application, started with its systemd unit's settings, prints under its own account and keeps its state below /var/lib.
 . ./printer.sh
 serve_printer
 unit=/lib/systemd/system/quorport-printer-app.service
