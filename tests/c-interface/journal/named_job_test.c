@@ -39,7 +39,7 @@ static void ARepeatedPrintedJobIsAnsweredWithoutThePort(void) {
   EXPECT(quor_named_job_run(named, job) == QUOR_OK);
   EXPECT(quor_print_job_outcome(job) == QUOR_PRINTED);
   EXPECT(quor_print_job_bytes_accepted(job) == receiptSize);
-  EXPECT_FAILURE(quor_named_job_refuse(named, "no printer"), QUOR_USAGE, "answered");
+  EXPECT_FAILURE(quor_named_job_refuse(named, "no printer"), QUOR_USAGE, "begun before");
   quor_named_job_free(named);
   quor_print_job_free(job);
   done(port);
@@ -237,7 +237,8 @@ static void ANamedJobFunctionRefusesANullPointer(void) {
   EXPECT_FAILURE(quor_named_job_create(NULL, &request, "x", 1, &named), QUOR_USAGE, "journal");
   EXPECT_FAILURE(quor_named_job_create(journal, NULL, "x", 1, &named), QUOR_USAGE, "request");
   EXPECT_FAILURE(quor_named_job_create(journal, &request, NULL, 1, &named), QUOR_USAGE, "data");
-  EXPECT_FAILURE(quor_named_job_create(journal, &request, "x", 1, NULL), QUOR_USAGE, "place");
+  EXPECT_FAILURE(quor_named_job_create(journal, &request, "x", 1, NULL), QUOR_USAGE,
+                 "pointer that receives");
   request.device = NULL;
   EXPECT_FAILURE(quor_named_job_create(journal, &request, "x", 1, &named), QUOR_USAGE, "device");
   named = namedJob(journal, "a");

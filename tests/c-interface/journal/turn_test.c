@@ -32,7 +32,8 @@ static void ATurnNeedsADevice(void) {
   QuorTurn* turn = NULL;
   EXPECT_FAILURE(quor_turn_take("pigeon:", 0, NULL, NULL, &turn), QUOR_USAGE, "pigeon");
   EXPECT_FAILURE(quor_turn_take(NULL, 0, NULL, NULL, &turn), QUOR_USAGE, "device");
-  EXPECT_FAILURE(quor_turn_take("virtual:", 0, NULL, NULL, NULL), QUOR_USAGE, "place");
+  EXPECT_FAILURE(quor_turn_take("virtual:", 0, NULL, NULL, NULL), QUOR_USAGE,
+                 "pointer that receives");
 }
 
 const Sentence turnSentences[] = {
