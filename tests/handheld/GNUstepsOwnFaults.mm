@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-// The sanitizers call the first two functions, which this file defines. They define the last two,
-// which are null in a build without sanitizers.
+// This file defines the first two functions, and the sanitizers call them. The sanitizers define
+// the last two functions, which are null in a build without sanitizers.
 extern "C" {
 const char* __lsan_default_suppressions();
 const char* __tsan_default_suppressions();
@@ -14,7 +14,7 @@ __attribute__((weak)) void __lsan_disable();
 __attribute__((weak)) void __lsan_enable();
 }
 
-// Tables that the runtime fills while classes are loaded, and keeps until the process ends.
+// The runtime fills tables while classes are loaded, and keeps these tables until the process ends.
 const char* __lsan_default_suppressions() {
   return "leak:objc_malloc\nleak:class_copyMethodList\n";
 }

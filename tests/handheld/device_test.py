@@ -1,5 +1,5 @@
-"""The sources compile for the device: against its runtime and the public names of its
-accessory service. Usage: device_test.py CLANG ROOT INCLUDE…
+"""The sources compile for the handheld device. The compiler uses the rules of the device's runtime, and sees only the
+public names of the device's accessory service. Usage: device_test.py CLANG ROOT INCLUDE…
 """
 
 import subprocess
