@@ -1,6 +1,7 @@
 """A library exports the names in its list and no others. Usage: exported_symbols.py LIST LIBRARY HEADER …
 
-Names that are marked QUOR_EXPORT are exported. The list shows each change of these names: programs that were built with a removed name no longer run. A HEADER declares names of the library for C. After an intended change, rewrite the list with
+Names that are marked QUOR_EXPORT are exported. Each change of these names changes the list, so that nobody removes a name
+by mistake: programs that use a removed name no longer run. A HEADER declares names of the library for C. After an intended change, rewrite the list with
 
     tests/install/exported_symbols.py --write LIST LIBRARY
 """

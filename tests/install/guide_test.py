@@ -26,8 +26,8 @@ BLOCK = re.compile(r"^```(\w*)\n(.*?)^```", re.M | re.S)
 INDENTED = re.compile(r"^ {4}(?:sudo )?((?:\./dev|git|cd|cmake|g\+\+|build/bin/quorport|quorport)\b.*)", re.M)
 ROW = re.compile(r"^\| (?P<says>[^|]+) \| (?P<code>\d) \| (?P<record>[^|]+) \|.*\| `(?P<device>\w+:[^`]*)` \|$", re.M)
 
-# tests/python runs the programs in other languages with their packages. Shell blocks without a prompt install
-# something, so no test runs them.
+# The tests in tests/python check the blocks in Python and JavaScript. Shell blocks without a prompt install something,
+# so no test runs them.
 RUN = ("console", "cpp", "")
 RUN_ELSEWHERE = ("javascript", "python", "sh")
 

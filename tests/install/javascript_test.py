@@ -1,5 +1,8 @@
-"""The example in JavaScript, on a package of npm that calls C. Without npm the test is skipped: Debian's npm may not
-work with the node that a machine has."""
+"""The example in JavaScript prints. It calls the C interface through a package from npm.
+
+The test is skipped on a machine without npm. It does not require Debian's npm, because this npm may not work with the
+node that a machine has.
+"""
 
 import os
 import shutil
