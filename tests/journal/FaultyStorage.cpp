@@ -28,13 +28,13 @@ sqlite3_file* real(sqlite3_file* file) {
   return reinterpret_cast<File*>(file)->real;
 }
 
-// Forwards a method of a file by its place in the table.
+// Calls the same method of the real file.
 template <auto Method, typename... Arguments>
 auto forwarded(sqlite3_file* file, Arguments... arguments) {
   return (real(file)->pMethods->*Method)(real(file), arguments...);
 }
 
-// Forwards a method of a file, or fails with `Code` if this is the call that must fail.
+// Calls the same method of the real file, or fails with `Code` if this call must fail.
 template <auto Method, int Code, typename... Arguments>
 int failing(sqlite3_file* file, Arguments... arguments) {
   return failsNow() ? Code : forwarded<Method>(file, arguments...);

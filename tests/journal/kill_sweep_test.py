@@ -36,7 +36,7 @@ class KillSweep(Case):
             return process.returncode == KILLED
 
         def calls() -> int:
-            """About how many system calls a run makes that is not killed."""
+            """Returns roughly how many system calls a run makes if it is not killed."""
             nonlocal job
             low, high = 1, 4096
             while high - low > 8:
