@@ -57,8 +57,9 @@ inline int threadCount() {
   return count;
 }
 
-/// The number of threads before a test starts any. A sanitizer may start a thread of its own with
-/// the first thread that a process starts, so this function starts one and joins it.
+/// The number of threads before a test starts any. When a process starts its first thread, a
+/// sanitizer may start a thread as well. This function starts and joins a thread, so that the
+/// number includes the sanitizer's thread.
 inline int threadsAtRest() {
   pid_t id = 0;
   std::thread([&id] { id = gettid(); }).join();

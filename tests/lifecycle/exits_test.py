@@ -1,5 +1,6 @@
-"""Processes that end with a live port thread end cleanly, a thousand times unless QUOR_EXITS says otherwise:
-by returning from main, by exit and by quick_exit. The first argument is the program."""
+"""A process with a live port thread ends cleanly when it returns from main, and when it calls exit or quick_exit.
+
+The test runs 1000 processes, or as many as QUOR_EXITS says. The first argument is the program."""
 import os
 import subprocess
 import sys
