@@ -154,7 +154,7 @@ is_honest() {
   [ "$((accepted + 512))" -ge "$carried" ] && [ "$accepted" -le "$((carried + 8192))" ]
 }
 
-print_badly() { # KEY=VALUE …: the long receipt, on a printer that does not print it
+print_badly() { # KEY=VALUE …: a fault during the long receipt; see usb_printer
   serve
   plug_in socket=$socket "$@"
   quorport -d usb: -t 2000 print /run/long --json >/run/answer 2>&1

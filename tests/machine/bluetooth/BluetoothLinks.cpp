@@ -15,7 +15,8 @@ constexpr std::uint8_t channel = 3;
 
 class BluetoothMaker : public LinkMaker {
  public:
-  // Both directions end together, and a printer has one channel for one host.
+  // Both directions of a link end together. A printer has one channel, which carries one link at
+  // a time.
   LinkTraits traits() const override {
     return {.closesOneWay = false, .resets = false, .standsSideBySide = false};
   }

@@ -10,8 +10,9 @@
 
 namespace quordalvane::machine {
 
-/// A printer at a USB cable for a test that reads and writes in one thread: the printer's answers
-/// wait in a queue until the host has taken the earlier ones.
+/// A printer on a USB cable. One thread of a test can act as the printer and the host, because
+/// `say` does not wait: the printer's answers are in a queue until the host has taken the earlier
+/// answers.
 class Cable {
  public:
   explicit Cable(const UsbIdentity& identity)
