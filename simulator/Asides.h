@@ -7,8 +7,8 @@
 namespace quordalvane::simulator {
 
 /// Counts the received bytes that were not queued: commands that act on reception, and lost data.
-/// Each of these bytes has a position among the queued bytes, so that offsets in the job include
-/// it.
+/// Remembers before which queued byte each of these bytes was received, so that offsets in the job
+/// include them. The queued bytes before the print position have been printed or dropped.
 class Asides {
  public:
   /// Adds `count` bytes that were received but not queued. The next byte to be queued has the
@@ -18,7 +18,7 @@ class Asides {
   /// Moves the print position to just before the queued byte number `position`.
   void pass(std::uint64_t position);
 
-  /// Returns how many of the added bytes the print position has passed.
+  /// Returns how many of the added bytes are before the print position.
   std::uint64_t passed() const { return passed_; }
 
  private:

@@ -28,7 +28,7 @@ class BluetoothModule {
   /// Accepts bytes from the host.
   void receive(ByteView bytes, Instant now);
 
-  /// Lets time pass until `now`. To be called for each time that `nextEvent` returns, in order.
+  /// Lets time pass until `now`. The caller must not skip a time that `nextEvent` returns.
   void advance(Instant now);
 
   /// Returns the next time at which the module acts without a call; empty if there is no such time.

@@ -15,7 +15,8 @@ struct Entry {
   std::string_view meaning;
 };
 
-// Order matters: a longer beginning must precede the shorter one that it refines.
+// The first entry that matches a command is used. So if an entry begins with all bytes of another
+// entry, the longer entry must be first.
 constexpr Entry entries[] = {
     {2, {0x10, 0x04, 0x00, 0x00}, "status, at once"},
     {2, {0x10, 0x05, 0x00, 0x00}, "recover from an error"},

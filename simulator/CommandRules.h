@@ -60,8 +60,8 @@ std::uint64_t userMemory(ByteView bytes);
 /// y bytes.
 std::uint64_t userCharacters(ByteView bytes);
 
-/// The command 1c 71 n is followed, for each of n images, by its size xL xH yL yH in units of eight
-/// dots, and by its dots.
+/// The command 1c 71 n is followed by n images. An image consists of its size xL xH yL yH, in units
+/// of eight dots, and its dots.
 std::uint64_t storedImages(ByteView bytes);
 
 /// The command 1d 27 n is followed by n line segments, each with its start and its end point.

@@ -10,8 +10,9 @@ void Typesetter::peripheral(ByteView command) {
   printerListens_ = (command[2] & 1U) != 0 || !displayListens_;
 }
 
-// Returns true for bytes that do not reach the paper. These are all bytes while only the display is
-// selected, and the display's own commands at any time.
+// Returns true for the display's own commands. While only the display is selected, returns true
+// also for all other commands except 1b 3d. Each text byte counts as a command. Records the text
+// that the display shows.
 bool Typesetter::isForDisplay(ByteView command) {
   constexpr std::uint8_t ofDisplays = 0x1f;
   if (command[0] == ofDisplays && command.size() > 1) {

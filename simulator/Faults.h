@@ -12,11 +12,11 @@
 
 namespace quordalvane::simulator {
 
-/// When a link ends: what happens to the bytes that the printer has sent and the host has not read.
+/// How a link ends. Unread bytes are bytes that the printer has sent and the host has not read.
 enum class Ending {
-  Drain,   ///< the host can still read these bytes
-  AtOnce,  ///< these bytes are lost
-  Reset,   ///< these bytes are lost, and the host sees a reset
+  Drain,   ///< the host can still read the unread bytes
+  AtOnce,  ///< the unread bytes are lost
+  Reset,   ///< the unread bytes are lost, and the host sees a reset
 };
 
 enum class FaultKind {
@@ -56,7 +56,7 @@ struct Fault {
 /// Describes a part of a fault's value to programs that ask the user for the value.
 struct FaultPart {
   std::string_view before;  ///< the text between this part and the previous one
-  std::string_view label;   ///< the part's meaning, in a word or two
+  std::string_view label;   ///< the meaning of this part of the value, in a word or two
   enum class Kind { Number, Hex, Text, Ending, Reply, Proof } kind;
   bool isOptional = false;  ///< may be omitted, together with `before`
 };
@@ -80,14 +80,14 @@ std::vector<std::string_view> choicesOf(FaultPart::Kind kind);
 bool isFault(std::string_view name);
 
 /// Reads the fault `name` with the value `value`, as docs/virtual-printer.md describes them. Throws
-/// std::invalid_argument, with a text for people that names the fault and the values that it
+/// std::invalid_argument, with a text for people that names the fault and the values that the fault
 /// accepts. The text is always printable.
 Fault parseFault(std::string_view name, std::string_view value);
 
 /// The faults of a link, in the order in which they were added. A plain value.
 struct Faults {
   std::vector<Fault> list;
-  std::optional<std::uint64_t> seed;  ///< the seed of the random choices of faults; empty means 0
+  std::optional<std::uint64_t> seed;  ///< the seed of the faults' random choices; empty means 0
 
   /// Adds a fault, or sets the seed if `name` is `seed`. Throws as `parseFault` does.
   void add(std::string_view name, std::string_view value);

@@ -20,10 +20,10 @@ unsigned word(ByteView bytes, std::size_t at) {
 // The key of an image is the sum of two numbers. The first is one of the next four constants and
 // stands for the image's memory. The second is the image's number or two-byte name in this memory,
 // or 0 if the memory has only one image.
-constexpr unsigned keptMemory = 1U << 16U;       // graphics that an initialisation keeps
-constexpr unsigned downloadMemory = 2U << 16U;   // graphics that an initialisation removes
-constexpr unsigned numberedMemory = 3U << 16U;   // images of 1c 71, which an initialisation keeps
-constexpr unsigned downloadedImage = 4U << 16U;  // the one image of the command 1d 2a
+constexpr unsigned keptMemory = 1U << 16U;       // the memory that 1b 40 (initialise) keeps
+constexpr unsigned downloadMemory = 2U << 16U;   // the memory that 1b 40 (initialise) erases
+constexpr unsigned numberedMemory = 3U << 16U;   // the memory of the command 1c 71; 1b 40 keeps it
+constexpr unsigned downloadedImage = 4U << 16U;  // the one image of 1d 2a; 1b 40 erases it
 constexpr unsigned memorySize = 1U << 16U;
 
 constexpr std::uint8_t firstColour = 49;

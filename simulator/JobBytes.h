@@ -16,8 +16,8 @@ class JobBytes {
   /// Adds received bytes.
   void receive(ByteView bytes);
 
-  /// Records that of all bytes ever received, the first `position` bytes have been printed. They
-  /// belong to the current job or to earlier jobs.
+  /// Sets how much has been printed: the first `position` bytes of all bytes ever received. These
+  /// bytes belong to the current job or to earlier jobs.
   void pass(std::uint64_t position);
 
   /// Ends the job. Returns its first bytes, and in `count` the number of all its bytes.

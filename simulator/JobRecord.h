@@ -9,8 +9,9 @@
 
 namespace quordalvane::simulator {
 
-/// Records the events of a job that print nothing, and the parts of the job that the printer could
-/// not print. Each list ends after `longestList` entries, so that no job makes it grow for ever.
+/// Records a job's cuts, drawer pulses and similar events, and the parts of the job that the
+/// printer could not print. Each list ends after `longestList` entries, so that no job makes it
+/// grow for ever.
 class JobRecord {
  public:
   struct Question {
@@ -26,7 +27,7 @@ class JobRecord {
 
   enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question, Replaced };
 
-  /// An event that prints nothing. Events are in the order in which the printer executed them.
+  /// Events are in the order in which the printer executed them.
   struct Event {
     EventKind kind;
     /// For `Display`, the displayed text. For `Question`, the command in hex. For `Replaced`, the

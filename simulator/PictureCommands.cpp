@@ -7,7 +7,9 @@
 
 namespace quordalvane::simulator {
 
-// An image or a symbol begins at the position to which the job has moved, as in page mode.
+// An image or a symbol begins at the position to which the job has moved; labels in page mode
+// require this. After text in the same line, or with an alignment other than left, this position is
+// ignored.
 Place Typesetter::beginPicture() {
   const unsigned position = line_.empty() ? line_.position() : 0;
   line_.endIfBegun(target());

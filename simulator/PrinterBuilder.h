@@ -43,7 +43,7 @@ class PrinterBuilder {
   /// Adds a fault to every link, in the form that `parseFault` reads.
   PrinterBuilder& fault(std::string_view name, std::string_view value);
 
-  /// Sets the seed of the random choices of faults.
+  /// Sets the seed of the random choices that faults make.
   PrinterBuilder& seed(std::uint64_t number);
 
   /// Handles one pair of key and value, as users write them after `virtual:` and `--set`: a setting

@@ -60,7 +60,7 @@ class PrinterLink {
   /// the beginning of the link.
   void addFault(const Fault& fault, Instant now);
 
-  /// Sets the seed for the random choices of faults, for later replies.
+  /// Sets the seed for the random choices that faults make for later replies.
   void setSeed(std::uint64_t seed);
 
   /// Removes all faults. Replies in transit keep their delay, and an ended link remains ended.
@@ -71,7 +71,7 @@ class PrinterLink {
   std::optional<Instant> nextEvent(Instant now);
 
  private:
-  struct Coming {  // a setting or fault that will be applied later, by the fault `at`
+  struct Coming {  // a setting or fault that a fault of the kind `At` applies later
     Instant due;
     std::string key;
     std::string value;
@@ -79,11 +79,11 @@ class PrinterLink {
   struct Stall {  // a fault: after a count of bytes, there is no space for a while
     std::uint64_t afterBytes;
     Instant length;
-    std::optional<Instant> until;  // the end of the stall; empty until it has begun
+    std::optional<Instant> until;  // when the stall ends; empty until the stall begins
   };
   struct Cut {
-    FaultKind kind;  // `CutAfterIn` counts received bytes, `CutAfterOut` sent bytes
-    std::uint64_t afterBytes;
+    FaultKind kind;
+    std::uint64_t afterBytes;  // bytes to the printer; for `CutAfterOut`, bytes to the host
     Ending ending;
   };
 

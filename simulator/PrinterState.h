@@ -71,7 +71,7 @@ struct SettingForm {
   std::uint32_t most = 0;
   std::string_view about;                   ///< the setting's meaning, in a few words
   std::vector<std::string_view> choices{};  ///< the usual values; may be empty
-  bool isFree = true;                       ///< values other than the choices are also accepted
+  bool isFree = true;                       ///< values that are not in `choices` are also accepted
 };
 
 /// Returns the forms of all settings that are not flags.
@@ -105,8 +105,8 @@ class PrinterState {
   /// - `profile`: see `applyProfile`
   ///
   /// Throws std::invalid_argument and changes nothing if the key or the value is invalid. The text
-  /// of the error is for people and always printable; it names the key and the values that it
-  /// accepts.
+  /// of the error is for people and always printable. It names the key, and the accepted values or
+  /// keys.
   void set(std::string_view key, std::string_view value);
 
   /// Returns the value of a setting that is not a flag, in the form that `set` reads. Returns empty

@@ -26,7 +26,7 @@ Bytes anothers(ReplyKind kind, Bytes reply, std::mt19937_64& chance) {
     std::uint8_t& counter = reply[6];
     counter = static_cast<std::uint8_t>(counter + 1 + chance() % 255);
   }
-  return reply;  // an in-order status is the same for all hosts
+  return reply;  // replies of all other kinds do not depend on the job
 }
 
 }  // namespace

@@ -31,7 +31,8 @@ Bytes dipSwitchReply(const PrinterState& state, std::uint8_t digit);
 /// report holds the new value of the printer's counter.
 Bytes etbReport(const PrinterState& state);
 
-/// Returns the reply to a process-ID command, which contains the four characters of the command.
+/// Returns the reply to a process-ID command. The reply contains the four characters of the
+/// command.
 Bytes processIdReport(ByteView command);
 
 /// Returns the in-order status: one byte that answers a status request 1d 72, 1b 75 or 1b 76. The

@@ -26,8 +26,8 @@ class SymbolSetter {
   /// Applies the command 1d 5a, which sets the kind of the symbols that the command 1b 5a prints.
   void setKindAtOnce(ByteView command) { kindAtOnce_ = command[2]; }
 
-  /// Returns the symbol of a complete command 1b 5a, which is to be printed at once; empty if the
-  /// kind does not exist.
+  /// Returns the symbol that a complete command 1b 5a prints; empty if the kind set by 1d 5a does
+  /// not exist.
   std::optional<Symbol> symbolAtOnce(ByteView command) const;
 
   enum class Outcome { Stored, Print, Unknown };

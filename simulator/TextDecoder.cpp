@@ -9,8 +9,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The length of the longest run in bytes. A longer run is converted before its end arrives, so that
-// it needs no more memory.
+// A run is a sequence of bytes from 80 (hex) up. At most this many bytes are kept until the run
+// ends. The start of a longer run is converted earlier, so that it needs no more memory.
 constexpr std::size_t longestRun = 256;
 
 constexpr char32_t house = 0x2302;  // the sign that printers' own fonts have for byte 7f

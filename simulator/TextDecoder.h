@@ -54,8 +54,8 @@ class TextDecoder {
   /// characters.
   bool selectMultiByteCode(std::uint8_t number);
 
-  /// Executes the command 1c 28 43: selects UTF-8, or the selected code page again. Returns false
-  /// if the printer does not know UTF-8.
+  /// Executes the command 1c 28 43: turns UTF-8 on or off. While UTF-8 is off, the selected code
+  /// page applies. Returns false if the printer does not know UTF-8.
   bool setUtf8(bool on);
 
   /// Returns the current selection, for people: the number of the page, or the name of the

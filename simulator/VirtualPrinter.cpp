@@ -90,7 +90,8 @@ void VirtualPrinter::obey(MachineCommand command, ByteView bytes, Instant now) {
   question_.clear();
 }
 
-// Adds the received bytes to the record of the paper. To be called before the paper is passed on.
+// Adds the job's bytes before `position` to the record of the paper. To be called before the paper
+// is torn off.
 void VirtualPrinter::recordReceived(std::uint64_t position) {
   jobBytes_.pass(position);
   auto [bytes, count] = jobBytes_.take();

@@ -75,7 +75,7 @@ class VirtualPrinter {
   struct Deed {
     enum class Kind { Command, Answer };
     Kind kind;
-    ByteView bytes;                      ///< valid during the call
+    ByteView bytes;                      ///< valid until `watch` returns
     ReplyKind reply = ReplyKind::Other;  ///< the kind of the answer
   };
   using Watcher = std::function<void(const Deed&)>;
@@ -103,16 +103,18 @@ class VirtualPrinter {
   /// reception and are not stored.
   std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
-  /// Accepts all of `bytes`; there must be at most `space()` or `actingAtOnce(bytes)` of them. With
-  /// `vanish`, commands that act on reception are executed, but print data are lost. If a command
-  /// began in an earlier call, its rest is treated as its beginning was.
+  /// Accepts all of `bytes`. They must fit into `space()`, or all of them must act on reception;
+  /// see `actingAtOnce`. With `vanish`, commands that act on reception are executed, but print data
+  /// are lost. If a command began in an earlier call, the `vanish` of that call applies to the
+  /// whole command.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
   /// Sends bytes to the host, if there is one: an answer, or a report without a question.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
-  /// Returns the next time at which the printer, without a call, gets space, passes an ETB, has
-  /// printed everything or drops data. Returns empty if nothing is due.
+  /// Returns the next time at which the printer changes without a call: it has space again,
+  /// executes a queued command, has printed everything, or drops data. Returns empty if nothing is
+  /// due.
   std::optional<Instant> nextEvent() const;
 
  private:

@@ -52,7 +52,7 @@ class PaperLayout {
   const std::vector<Piece>& pieces() const { return pieces_; }
 
   /// Return the position at which the next item begins, and the position farthest from the top that
-  /// print or a feed has reached.
+  /// was reached by printing or by feeding.
   unsigned position() const { return y_; }
   unsigned end() const { return end_; }
 
