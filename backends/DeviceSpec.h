@@ -17,8 +17,9 @@ namespace quordalvane {
 ///
 /// A `DeviceSpec` is written as a device text, `SCHEME:PLACE[,key=value...]`, for example
 /// `tcp:192.0.2.10:9100`, `usb:` or `virtual:,coverOpen=true`. The section DEVICES of the manual
-/// page `quorport(1)` lists the schemes, their places and the keys of their own; `quorport --help`
-/// lists them briefly. `addScheme` adds further schemes.
+/// page `quorport(1)` lists the schemes. For each scheme it lists the form of PLACE and the keys
+/// that only this scheme takes. `quorport --help` gives a short list. `addScheme` adds further
+/// schemes.
 ///
 /// The scheme may be left out in two cases. `HOST` means `tcp:HOST:9100`. A path below `/dev` whose
 /// name shows the kind of device means a device of that kind: `/dev/ttyUSB0` means
@@ -35,8 +36,9 @@ struct DeviceSpec {
   std::string scheme;  ///< for example "tcp"
   std::string place;   ///< the text after the scheme
 
-  /// The texts of the accessory, taken from the keys. A text without a key has its default; the
-  /// default of the name is the place. The member `connectionID` is not set.
+  /// The texts of the accessory, taken from the keys. If a key is missing, its text has a default
+  /// value; the default name is `place`, or a name of the scheme if `place` is empty. The member
+  /// `connectionID` is not set.
   AccessoryIdentity identity;
 
   std::optional<std::uint64_t> id;  ///< the connection identifier, if the key `id` was given

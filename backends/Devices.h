@@ -23,10 +23,10 @@ namespace quordalvane {
 /// scheme or the virtual printer refuses an option. Any thread may call this function.
 QUOR_EXPORT std::shared_ptr<EAAccessory> makeAccessory(const DeviceSpec& spec, Clock& clock);
 
-/// Returns the device texts that `text` stands for. `bluetooth:` stands for all printers that are
-/// paired now: it gives one device text for each printer, with the keys of `text`. Any other text
-/// stands for itself, and so does `bluetooth:` if no printer is paired. Any thread may call this
-/// function.
+/// Returns the device texts that `text` stands for. `bluetooth:`, with or without keys after the
+/// colon, stands for all printers that are paired now. It gives one device text for each printer,
+/// each with the same keys. Any other text stands for itself, and so does `bluetooth:` if no
+/// printer is paired. Any thread may call this function.
 QUOR_EXPORT std::vector<std::string> devicesMeantBy(const std::string& text);
 
 /// Creates the platform of an ordinary program, attaches to it the devices in `specs`, in this

@@ -40,9 +40,9 @@ struct OpenCause {
 /// One possible setting of a device. The command `doctor` tries the settings of a device one by
 /// one.
 struct SchemeVariant {
-  DeviceSpec spec;    ///< the device with this setting
-  std::string words;  ///< the setting in words: "at 9600 baud"
-  std::string keys;   ///< the keys that select this setting: ",baud=9600"
+  DeviceSpec spec;    ///< describes the device and the setting
+  std::string words;  ///< the setting, in words: "at 9600 baud"
+  std::string keys;   ///< the keys that select the setting: ",baud=9600"
 
   /// The name of the fault that `doctor` reports if the device answers with this setting and with
   /// no other setting.
@@ -50,8 +50,8 @@ struct SchemeVariant {
 };
 
 /// A scheme: all data about one way to reach devices. The table of all schemes is in
-/// `backends/Schemes.cpp`. The help, the completion and the advice of the command are made from
-/// this table.
+/// `backends/Schemes.cpp`. The program `quorport` takes its help, its shell completion and its
+/// advice on failures from this table.
 ///
 /// A scheme is defined as `constinit const Scheme scheme = {.name = "tcp", ...}`. Members with a
 /// default may be left out.
@@ -85,9 +85,9 @@ struct Scheme {
   /// `text` does not belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
-  /// Returns the places of all devices that an empty place stands for at this moment. No returned
-  /// place contains a comma or a backslash. The pointer is null if an empty place means one device
-  /// or is not allowed.
+  /// Returns the places of all devices that a device text without a place, such as `bluetooth:`,
+  /// means at this moment. No returned place contains a comma or a backslash. The pointer is null
+  /// if a device text without a place means one device or is not allowed.
   std::vector<std::string> (*places)() = nullptr;
 
   /// True if every process has a device of its own, which no other process can use.
