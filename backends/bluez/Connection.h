@@ -11,9 +11,10 @@ namespace quordalvane::bluez {
 inline constexpr std::chrono::milliseconds connectTimeout{10'000};
 
 /// Connects to the serial port of the paired printer that `place` selects, as described at
-/// `choosePrinter`. From then on a thread watches the bus, and ends the connection if the Bluetooth
-/// service stops, because the next start of the service resets the adapter sooner or later. The
-/// thread ends together with the connection.
+/// `choosePrinter`. After that a thread watches the bus, and ends the connection if the Bluetooth
+/// service stops. When the service starts again, it resets the adapter at an unknown time, which
+/// would break the connection, perhaps in the middle of a job. The thread ends together with the
+/// connection.
 ///
 /// Throws a `std::system_error` with a code of `bluetoothCategory()` if there is no connection
 /// within `timeout`.

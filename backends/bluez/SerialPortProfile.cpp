@@ -61,7 +61,7 @@ SerialPortProfile::~SerialPortProfile() {
 posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyTime deadline) {
   awaited_ = printer.path;
   callConnect(printer, deadline);
-  // The service may pass on the connection before or after it answers the call.
+  // The service may give this program the connection before or after it answers the call.
   const bool isThere = bus_.handleUntil(deadline, [this] { return taken_.has_value(); });
   awaited_.clear();
   if (!isThere) {
