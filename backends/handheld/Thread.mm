@@ -102,7 +102,7 @@ class HandheldThread final : public NSThread {
 
   bool start() override {
     const bool isStarted = begin();
-    body_ = Retained<QuorThreadBody>();  // the thread now owns the body, and releases it at its end
+    body_ = Retained<QuorThreadBody>();  // the thread now owns the body, until the thread ends
     if (isStarted) {
       life_->awaitStart();
     }

@@ -1,5 +1,5 @@
-// Declares those public names of the handheld platform's accessory service that this back end uses.
-// A build for the device uses the framework's own header of the same name instead.
+// Declares the handheld platform's accessory service, with only those public names that this back
+// end uses. A build for the device uses the framework's own header of the same name instead.
 
 #import <Foundation/Foundation.h>
 
