@@ -67,9 +67,10 @@ class Descriptor {
   /// descriptor cannot report this.
   bool hasUnderWay() const;
 
-  /// Returns for how long the other side has acknowledged nothing, although the system has sent the
-  /// bytes, or a probe, more than once. Returns zero while the other side answers that it has no
-  /// space, and if this kind of descriptor cannot report the time.
+  /// Returns for how long the other side has acknowledged nothing. Returns zero until the system
+  /// has asked the other side at least twice in vain, by a probe or by sending bytes again. Returns
+  /// zero while the other side answers that it has no space, and if this kind of descriptor cannot
+  /// report the time.
   std::chrono::milliseconds silence() const;
 
   /// Returns why a USB printer does not print, for example "paper out", as a text for people. The

@@ -141,7 +141,7 @@ bool Link::hasSpaceLocked() {
     return false;
   }
   if (outputBroken_) {
-    return true;  // a write does not wait but fails at once
+    return true;  // a write would fail at once, so no caller need wait for space
   }
   if (mayBeFull_ && descriptor_->pollUntil(POLLOUT, SteadyTime{}) != 0) {
     mayBeFull_ = false;
@@ -212,7 +212,7 @@ void Link::receive() {
   noteReceived(count, errno);
 }
 
-// Records the result of a `receive` into the empty buffer.
+// Records the result of a `receive`; before this `receive`, `ahead_` had no unread bytes.
 void Link::noteReceived(std::ptrdiff_t count, int error) {
   const bool nothingYet = count == -1 && wouldBlock(error);
   if (nothingYet && hasFallenSilent()) {

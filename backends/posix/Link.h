@@ -19,9 +19,9 @@ using Tick = std::chrono::nanoseconds;
 /// One open connection. The object has the descriptor, the bytes that were read ahead, and the
 /// state of both directions. A session, its two streams and its accessory share the object.
 ///
-/// A port asks for the state of the link before every transfer. If possible, the link answers from
-/// the result of its last `receive`, which showed bytes, an empty input, the end of the stream or
-/// an error. So a whole exchange needs only a few system calls.
+/// A port asks for the state of the link before every transfer. If possible, the link answers
+/// without a system call, from the result of its last `receive`. So a whole exchange needs only a
+/// few system calls.
 ///
 /// Any thread may call the functions. No lock is held while a function waits.
 class Link {
@@ -40,9 +40,9 @@ class Link {
 
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   /// `release` returns when the device has taken all written bytes, and after two seconds at the
-  /// latest. If the device has not taken all bytes by then and sends anything afterwards, the rest
-  /// is lost. When `release` returns, the waits of other threads end; but a wait on a terminal may
-  /// continue until its deadline. A second call has no effect.
+  /// latest. If the device has not taken all bytes by then and sends anything afterwards, the bytes
+  /// that it has not taken are lost. When `release` returns, the waits of other threads end; but a
+  /// wait on a terminal may continue until its deadline. A second call has no effect.
   void release();
 
   /// Returns true if the link has ended and all bytes that arrived before the end were read. A link
@@ -115,7 +115,7 @@ class Link {
   bool beingWaited_ = false;  // true if a waiting thread may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;
-  bool cameSinceWrite_ = false;  // true if bytes arrived after the last answerable write
+  bool cameSinceWrite_ = false;  // true if bytes arrived after the last write that may be answered
 
   bool mayBeFull_ = false;     // true if the last write was long or was taken only in part
   bool outputBroken_ = false;  // true if a write has failed or the other side no longer answers

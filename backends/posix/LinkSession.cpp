@@ -6,8 +6,8 @@ namespace quordalvane::posix {
 namespace {
 
 // The common part of both directions. These streams report no events, so a delegate is never
-// called. A stream is not scheduled on a run loop: whoever waits for a stream passes it to the
-// loop.
+// called. Scheduling a stream on a run loop has no effect, because a run loop waits only for the
+// stream that is passed to `runUntilDate`.
 template <typename Stream>
 class LinkStream : public Stream {
  public:

@@ -49,8 +49,8 @@ class ThreadRunLoop final : public NSRunLoop {
   bool open_ = false;
 };
 
-/// Returns the run loop of the calling thread. On a thread that this platform has not started, the
-/// loop only waits, because no routine can be passed to such a thread.
+/// Returns the run loop of the calling thread. If `PosixPlatform` has not started this thread, the
+/// loop can only wait: other threads cannot pass routines to it.
 NSRunLoop& currentRunLoop();
 
 }  // namespace quordalvane::posix

@@ -99,8 +99,8 @@ void configure(int number, const SerialSettings& wanted, const std::string& path
 
 // Returns whether the descriptor is a pseudo-terminal. A pseudo-terminal must not be set to
 // exclusive mode. If the program were killed, the pseudo-terminal would remain in this mode as long
-// as its other end is open, and nobody could open it. The lock alone is enough, because the lock
-// ends with the program.
+// as its other side is open, and nobody could open it. The advisory lock alone reserves a
+// pseudo-terminal; the system releases the lock when the program ends.
 bool isPseudoTerminal(int number) {
   constexpr unsigned first = 136;
   constexpr unsigned last = 143;

@@ -12,8 +12,8 @@ enum class Parity { None, Even, Odd, Mark, Space };
 /// How a printer can stop the flow of bytes that it receives.
 enum class Flow {
   None,
-  RtsCts,   ///< by a wire of the serial line
-  XonXoff,  ///< by the bytes 13 and 11 (hex); a reader never receives these two bytes
+  RtsCts,   ///< the printer switches a wire of the serial line
+  XonXoff,  ///< the printer sends 13 (hex) to stop, 11 (hex) to continue; no read returns them
 };
 
 /// The settings of a serial line. The defaults are the factory settings of most receipt printers.

@@ -34,8 +34,8 @@ void checkPlace(const std::string& place) {
   parseHostAndPort(place);
 }
 
-// Returns the place for a host without a port. The host is a name or a numeric address, without
-// characters that would make it a path or a key.
+// If `text` is only a host, returns this host with the usual port; otherwise returns nullopt. A
+// host is a name or an address; a text that could be a path or a key is not a host.
 std::optional<std::string> placeMeantBy(std::string_view text) {
   const bool isBracketed = text.starts_with('[') && text.ends_with(']');
   const bool isHost = std::all_of(text.begin(), text.end(), [](char c) {
