@@ -35,10 +35,11 @@ struct Line {
 /// that `name` gave it; an address without a name is "<address>", and null is "0x0".
 class Trace {
  public:
-  /// Begins with the records that are logged from now on.
+  /// Creates an empty trace. Log records from before this call are not part of it.
   Trace();
 
-  /// Sets the clock that is read for each call to the platform; until then lines have no time.
+  /// Sets the clock that is read for each call to the platform. Without a clock, lines have no
+  /// time.
   void measureBy(std::function<double()> clock) { clock_ = std::move(clock); }
 
   void name(const void* object, std::string name);
@@ -59,7 +60,7 @@ class Trace {
   /// Forgets the events so far.
   void clear();
 
-  /// The events, with the records of the LogWriter in their places.
+  /// Returns all events in order: the calls to the platform, and the log records between them.
   std::vector<Line> lines();
 
  private:
@@ -95,8 +96,8 @@ std::string recordsOf(const std::vector<Line>& lines, const std::string& method)
 /// All lines, as they are.
 std::string whole(const std::vector<Line>& lines);
 
-/// A text of several lines without the indentation of its first one and without empty lines at its
-/// ends, so that an expectation may be indented in a test.
+/// Returns the text without its empty lines, and without the indentation that its first line has. A
+/// test may thus indent the text that it expects.
 std::string text(std::string_view indented);
 
 }  // namespace quordalvane::test

@@ -41,10 +41,10 @@ class VirtualClock : public Clock {
   std::atomic<std::int64_t> stepped_ = 0;  // microseconds
 };
 
-/// A platform in virtual time. Only waits move time: a sleep, a run of a run loop, or the wait for
-/// a stream. So the same calls always give the same run. The thread that makes the platform runs
-/// first; `makeThread` makes all other threads of the platform. Any other thread may read the
-/// state of the platform, but must not wait.
+/// A platform in virtual time. The time advances only during a wait: a sleep, a run of a run loop,
+/// or the wait for a stream. So the same calls always give the same run. The thread that makes the
+/// platform runs first; `makeThread` makes all other threads of the platform. Any other thread may
+/// read the state of the platform, but must not wait.
 class VirtualPlatform : public Platform {
  public:
   VirtualPlatform();

@@ -9,8 +9,8 @@
 namespace quordalvane::test {
 namespace {
 
-/// The run loop of the calling thread, and the loop's scheduler. For the next platform of a test,
-/// which has another scheduler, the thread gets a new loop.
+/// The run loop of the calling thread, and the loop's scheduler. Each platform has a scheduler of
+/// its own, so a thread that uses another platform gets a new loop.
 struct OwnLoop {
   const Scheduler* scheduler = nullptr;
   std::shared_ptr<VirtualRunLoop> loop;

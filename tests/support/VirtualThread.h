@@ -19,7 +19,7 @@ class VirtualRunLoop : public NSRunLoop {
   void runUntilDate(double seconds) override;
   void runUntilDate(double seconds, NSStream& awaited) override;
 
-  /// Takes a routine; if the loop is closed, returns false and does not take it.
+  /// Adds a routine and returns true. If the loop is closed, adds nothing and returns false.
   bool post(std::function<void()> routine);
 
   /// Runs the routines that still wait, and closes the loop when there are none.
@@ -42,8 +42,8 @@ class VirtualThread : public NSThread {
   bool start() override;
   void cancel() override {}
 
-  /// Keeps the promise of NSThread for threads that take turns in virtual time; throws
-  /// std::logic_error on any other thread.
+  /// Works as NSThread declares. The caller must be a thread of the scheduler; a call on any other
+  /// thread throws std::logic_error.
   bool performAndWait(std::function<void()> routine) override;
 
  private:
@@ -53,7 +53,8 @@ class VirtualThread : public NSThread {
   Scheduler::Thread* thread_ = nullptr;
 };
 
-/// The run loop of the calling thread, which is made when it is first needed.
+/// Returns the run loop of the calling thread for this scheduler. Makes the loop if the thread has
+/// none yet.
 VirtualRunLoop& currentVirtualRunLoop(Scheduler& scheduler);
 
 }  // namespace quordalvane::test
