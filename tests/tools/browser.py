@@ -25,8 +25,8 @@ class Browser:
         return connection
 
     def ask(self, path: str, method: str = "GET", body: bytes | None = None, **headers: str) -> http.client.HTTPResponse:
-        """Returns the answer to a request. The path is below the token, unless it begins with a slash. In the names of
-        headers, an underscore means a hyphen."""
+        """Returns the answer to a request. A path that begins with a slash is used as it is. Any other path is
+        appended to the address that the command prints. In the names of headers, an underscore means a hyphen."""
         connection = http.client.HTTPConnection(self.host, self.port, timeout=DEADLINE)
         sent = {name.replace("_", "-"): value for name, value in headers.items()}
         connection.request(method, path if path.startswith("/") else self.prefix + path, body, sent)

@@ -103,7 +103,7 @@ class DipSwitches(Asking):
         at_once((check, timeout, 3, 0) for timeout in (1001, 4294967295))
 
     def test_button_security_adds_even_a_time_out_shorter_than_a_second(self):
-        """With such a time-out, a wait may end at once. Only the built-in printer answers soon enough."""
+        """With so short a time-out, only the built-in printer is sure to answer in time."""
         for timeout in (0, 1, 999):
             result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")
             self.assertExit(0, result)

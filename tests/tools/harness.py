@@ -1,8 +1,8 @@
 """Functions and classes for all tests of the command `quorport`.
 
-They run the command and its virtual printer, and play printers that a test controls. Each wait is for a line, a byte or
-an end, and fails at a deadline. Only a printer that pauses within a reply sleeps for a fixed time, after the host has
-read the bytes sent so far.
+They run the command and its virtual printer, and play printers that a test controls. Each wait is for an event,
+such as a line of output, a byte or the end of a process, and fails at a deadline. Only the printer of `in_pieces` sleeps
+for a fixed time, after the host has read a piece of the reply.
 """
 
 import concurrent.futures
@@ -147,7 +147,7 @@ class Case(unittest.TestCase):
         self.assertEqual(result.code, code, result)
 
     def assertAnswers(self, device: str, answer: dict, result: Result):
-        """Asserts that this is the answer, and that it names the device."""
+        """Asserts that the command printed `answer` as JSON, with the key `device` added."""
         self.assertEqual(result.json(), answer | {"device": device})
 
     def assertFailsInBothForms(self, code: int, *arguments: str, saying: str = "") -> Result:
@@ -295,7 +295,7 @@ def status_block(*flags: str, counter: int = 0, presenter: int = 0, interface: i
 
 
 def answer_status(connection: socket.socket, block: bytes):
-    """Answers every status request with the block until the host disconnects."""
+    """Answers each status request with the status block `block` until the host disconnects."""
     unread = b""
     while more := connection.recv(4096):
         unread += more
@@ -318,8 +318,9 @@ def count_etbs(connection: socket.socket) -> bytes:
 
 
 def answering(replies: dict[bytes, bytes | Callable[[socket.socket], None]]):
-    """A printer that answers each request until the host disconnects: with bytes, or by a function. On a busy machine
-    several requests arrive together; it answers them in their order."""
+    """A printer that answers requests until the host disconnects. `replies` gives the reply to each request: bytes, or
+    a function that sends the reply. On a busy machine several requests arrive together; the printer answers them in
+    order."""
 
     def handle(connection):
         unread = b""
@@ -349,7 +350,7 @@ def wait_until_taken(connection: socket.socket):
 
 
 def in_pieces(*pieces: bytes, pause: float = 0.05):
-    """A reply that arrives in pieces: the host reads each piece before the printer pauses and continues."""
+    """A reply in pieces. After each piece, the printer waits until the host has read the piece, and then pauses."""
 
     def send(connection: socket.socket):
         for piece in pieces:

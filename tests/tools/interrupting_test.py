@@ -128,7 +128,7 @@ class Signals(Case):
 
     @staticmethod
     def most_offers(log) -> int:
-        """How many times the same bytes were written, according to the end of the log."""
+        """Returns the largest number of writes of the same bytes in the last 64 KiB of the log."""
         if not log.exists():
             return 0
         with log.open("rb") as file:

@@ -93,7 +93,7 @@ class MonitorChanges(Case):
             while more := os.read(master, 4096):
                 text += more
         except OSError:
-            pass  # a read at the end of a terminal fails in this way
+            pass  # the system reports by this error that the terminal is closed
         self.assertEqual(process.wait(DEADLINE), 0)
         process.stdout, process.stderr = None, None
         lines = text.decode().split("\r\x1b[K")

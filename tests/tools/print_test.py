@@ -159,7 +159,7 @@ class PrintCommand(Case):
             while more := os.read(ours, 4096):
                 shown += more
         except OSError:
-            pass  # a read at the end of a terminal fails in this way
+            pass  # the system reports by this error that the terminal is closed
         os.close(ours)
         self.assertIn(b"1,000 of 1,000 bytes", shown)
         self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)

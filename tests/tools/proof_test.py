@@ -20,9 +20,9 @@ ID_OF_ANOTHER_JOB = b"\x37\x22A2BC\x00"  # the byte 2 has the form of a real-tim
 
 
 class OrdinaryPrinter:
-    """A printer that answers `10 04 n`, and each request in the data whose first two bytes are in `knows`. It prints at
-    once. While its cover is open, it stores all commands; it prints them after the cover is closed. After an unknown
-    escape, it skips one byte."""
+    """A printer that answers `10 04 n`. It also answers a request in the data if `knows` contains the first two bytes
+    of the request. It prints without delay. While its cover is open, it stores all commands; it prints them after the
+    cover is closed. After an unknown escape, it skips one byte."""
 
     def __init__(self, *knows: bytes, opens_in_job: bool = False, unasked: bytes = b""):
         self.knows, self.opens_in_job, self.unasked = knows, opens_in_job, unasked

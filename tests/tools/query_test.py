@@ -381,7 +381,7 @@ class QueryAnswers(Case):
 
 
 class DeviceOption(Case):
-    """Each command uses the device of its options and names the device in its answer."""
+    """Each command uses the device that its options name, and names this device in its answer."""
 
     QUERIES = ("list", "status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel")
 

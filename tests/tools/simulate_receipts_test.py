@@ -188,7 +188,7 @@ class ReceiptFiles(Case):
 
 
 class JobRecords(Case):
-    """The record of each job by `--json`."""
+    """The record that `simulate --json` prints for each job."""
 
     def record_of(self, job: bytes, *arguments: str, replies: int = 0, listen: str = "tcp:0"):
         process = start("--json", "simulate", "--listen", listen, *arguments)
