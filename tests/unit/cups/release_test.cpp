@@ -17,7 +17,8 @@ constexpr std::int64_t told = 1'000'000'000'000;
 
 class ReleaseOfAHeldJob : public testing::Test {
  protected:
-  /// The record of a job that the scheduler wrote at that time.
+  /// Makes the record of a job, as if the scheduler had written it at the time `millis`. Returns
+  /// the path of the record.
   std::filesystem::path recordOf(std::int64_t millis) {
     const std::filesystem::path file = folder.file("c00001");
     std::ofstream(file) << "job";

@@ -163,7 +163,8 @@ TEST_P(PrinterThatNeverStopsSending, CannotDelayAnInquiryBeyond22Seconds) {
   }
 }
 
-// After the link has taken a part of a command, the port repeats the rest without a pause.
+// After the link has taken a part of a command, the port tries to send the remaining bytes again
+// and again, without a pause.
 TEST(PortThatWritesWithoutEnd, CannotDelayAJobBeyond16Seconds) {
   Till till(ZKEmulationQuorLine);
   simulator::Faults full = with("no-space", "4:120");

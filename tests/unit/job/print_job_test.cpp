@@ -139,8 +139,9 @@ TEST_P(InBothEmulations, AnEndMarkInTheDataDoesNotConfirmTheJob) {
   ByteBuffer data = receiptText;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
-  till.after(milliseconds(2500), "mechError",
-             true);  // the printer stops for ever after the marks in the data
+  // The printer stops for ever after it has processed the end marks in the data, and before it has
+  // processed all data.
+  till.after(milliseconds(2500), "mechError", true);
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.bytesAccepted, data.size());

@@ -283,8 +283,8 @@ TEST(PrinterInquiry, ReportsThatTheLinkDidNotTakeAWholeCommand) {
   EXPECT_EQ(causeOf([&] { inEscPos.inquiry.proof(); }), InquiryCause::NoAnswer);
 }
 
-// If the link first takes only a part of a command, the port may repeat its write without a
-// time-out.
+// If the link first takes only a part of a command, the port may try for ever to send the remaining
+// bytes.
 TEST(PrinterInquiry, EndsWithinSecondsEvenIfThePortWritesWithoutEnd) {
   Till till(PrinterBuilder(), {.timeoutMillis = 2000});
   till.port->close();

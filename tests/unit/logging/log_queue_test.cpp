@@ -208,8 +208,9 @@ TEST_F(LogQueueTest, IsFinishedWhenAllQueuedRecordsAreFinished) {
   EXPECT_TRUE(queue_.waitUntilFinished(0ms));
 }
 
-/// Takes and finishes one batch of a queue on another thread. The queue lets this thread wait for
-/// more records, without a time limit. The constructor returns after the thread has begun to wait.
+/// A thread that takes and finishes one batch of a queue. With the delay `forEver`, the thread
+/// waits until the queue is half full or closed. The constructor returns after the thread has begun
+/// to wait.
 class OneTake {
  public:
   explicit OneTake(LogQueue& queue)

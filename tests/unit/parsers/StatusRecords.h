@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-// Shared by the status tests: records, and the flags by number.
+// Functions of all status tests. They make a record, and read the flags of a record by number.
 
 namespace quordalvane::test {
 

@@ -6,7 +6,8 @@
 
 #include "tests/unit/port/Printer.h"
 
-// The traces that the tests of blocks and statuses expect, built from the steps that they share.
+// Parts of the traces that the tests of blocks and of statuses expect. Each part is a step that
+// occurs in several traces.
 
 namespace quordalvane::test {
 

@@ -165,8 +165,8 @@ TEST(LineStatusRequest, TreatsAShortWriteAsAFailedWrite) {
   scenario.script.isLostAfterBytes(13);
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
   scenario = lineModePrinter();
-  // The link takes 5 of 13 bytes, then 3 of the remaining 8. The sum is the length of the rest, not
-  // of the command.
+  // The link takes 5 of 13 bytes, then 3 of the remaining 8. The port compares the sum with the
+  // length of the rest. Both are 8, so it sends no more.
   scenario.script.takesInAttempts({5, 3});
   EXPECT_EQ(scenario.run(getParsedStatus()).result, "PortException: Native WritePort failed");
 }

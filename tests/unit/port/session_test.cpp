@@ -220,7 +220,7 @@ TEST(PortSession, IsAbandonedOnceByACallOfAbandonOutput) {
   EXPECT_EQ(abandoned, 1);
 }
 
-/// An exception of a platform that no handler for standard exceptions catches.
+/// An exception that a platform may throw, but that is not derived from std::exception.
 struct Surprise {};
 
 enum class Raise { Standard, Port, Other };

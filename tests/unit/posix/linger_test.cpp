@@ -17,7 +17,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double atOnce = 20;  // seconds; a linger that does not end waits for an hour
+constexpr double atOnce = 20;  // seconds; a linger that waits for its limit takes an hour
 
 /// Two ends of a local socket: ours, with its output full, and the device's.
 class LingerTest : public testing::Test {
@@ -38,14 +38,14 @@ class LingerTest : public testing::Test {
     return sent;
   }
 
-  /// How many seconds the end took, with a limit of an hour.
+  /// Returns how many seconds `linger` took, with a limit of an hour.
   double lingered() const {
     const Stopwatch watch;
     linger(link_, SteadyClock::now() + 1h);
     return watch.seconds();
   }
 
-  /// How many bytes the device read up to the end of the stream.
+  /// Reads on the device's side to the end of the stream; returns the number of bytes.
   std::size_t readToTheEnd() const {
     std::vector<std::uint8_t> piece(4096);
     std::size_t total = 0;

@@ -42,7 +42,8 @@ class RefusedLine : public testing::Test {
   const Descriptor master_{terminal_.master, Descriptor::Kind::Terminal};
 };
 
-/// While this object exists, this process has no rights of root; `is` returns false if this failed.
+/// While this object exists, this process has no rights of root. The function `is` returns false if
+/// the process could not give up these rights.
 class OrdinaryUser {
  public:
   OrdinaryUser() : before_(::geteuid()), is_(before_ != 0 || ::seteuid(nobody) == 0) {}

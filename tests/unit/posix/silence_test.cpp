@@ -89,8 +89,8 @@ TEST(SilentLink, RemainsConnectedIfThePrinterHasNoSpaceForLongerThanTheLimit) {
   Printer printer;
   Link link(printer.connect(), 300ms);
   fill(link);
-  // The test takes three seconds, because only then are the intervals between the system's probes
-  // longer than the limit.
+  // The intervals between the system's probes grow. The test takes three seconds, so that the
+  // intervals become longer than the limit.
   EXPECT_FALSE(isLostWithin(link, 3));
 }
 

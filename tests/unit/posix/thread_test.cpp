@@ -107,7 +107,7 @@ TEST(PosixThread, RunsOrRefusesEveryRoutineOfManyThreads) {
       }
     });
     ASSERT_TRUE(thread.start());
-    int ran = 0;  // only that thread uses `ran`
+    int ran = 0;  // changed only by routines, which all run on `thread`
     std::atomic<int> performed = 0;
     std::vector<std::thread> callers;
     for (int i = 0; i < 4; ++i) {

@@ -53,7 +53,7 @@ class Session {
   explicit Session(Faults linkFaults) : Session(PrinterBuilder(), std::move(linkFaults)) {}
   Session() : Session(PrinterBuilder()) {}
 
-  /// Writes all of `bytes`; false if the link did not take them all at once.
+  /// Writes `bytes` to the link. Returns false if the link took only a part of them.
   bool send(const Bytes& bytes) { return link->write(bytes, now) == bytes.size(); }
   bool send(std::string_view hexText) { return send(hex(hexText)); }
 

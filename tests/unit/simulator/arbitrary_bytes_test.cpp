@@ -10,7 +10,7 @@
 namespace quordalvane::simulator {
 namespace {
 
-// Random bytes, with many that begin a command among them.
+// Random bytes. About half of them are bytes that often occur in commands.
 Bytes randomBytes(std::mt19937_64& chance, std::size_t most) {
   constexpr std::uint8_t likely[] = {0x1b, 0x1d, 0x1c, 0x10, 0x00, 0x01, 0x02, 0x0a, 0x17, 0x1d,
                                      0x1b, 0x2a, 0x28, 0x4c, 0x6b, 0x76, 0x30, 0x70, 0x31, 0x03};
