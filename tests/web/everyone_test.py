@@ -123,7 +123,7 @@ class Accessibility(ShopCase):
     def test_each_slider_exposes_its_value_in_words(self):
         page = self.shop_page(self.shop())
         self.assertEqual({node["name"] for node in page.tree() if node["role"] == "slider"}, {"Speed", "Buffer"})
-        # The accessibility tree gives the position of a native slider as a number, even if the page gives it words.
+        # The accessibility tree gives the value of a native slider as a number, even if the page sets a text for it.
         spoken = "[...document.querySelectorAll('.sliders input')].map((one) => one.getAttribute('aria-valuetext'))"
         self.assertEqual(page.evaluate(spoken), ["unlimited", "4\u2009096 bytes"])
 

@@ -64,7 +64,7 @@ class PageSources(unittest.TestCase):
 
 @unittest.skipUnless(shutil.which("node"), "needs node")
 class PageModules(unittest.TestCase):
-    """Runs under node, which reads a file as a module if its package says so."""
+    """Runs the page's modules under node, which reads a `.js` file as a module only if package.json says so."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
