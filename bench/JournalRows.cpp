@@ -99,8 +99,9 @@ class BareRows {
     execute(database_, "PRAGMA synchronous = FULL");
   }
 
-  /// Makes the same two commits as the journal. The first writes the seal and the row that begins
-  /// the job; the second replaces both.
+  /// Makes the same two commits as the journal, one at the beginning and one at the end of the job.
+  /// The first adds the row of the job, and the second replaces this row. Each commit also changes
+  /// the seal, the digest of all rows.
   void commit(int job) {
     execute(database_, "BEGIN IMMEDIATE;" + rowOf(job, "NULL, '', 0") + seal + "COMMIT");
     execute(database_, "BEGIN IMMEDIATE; DELETE FROM attempt WHERE name = '" + nameOf(job) + "';" +
@@ -127,8 +128,9 @@ struct Cost {
   double jobsASecond;
 };
 
-/// Measures the journal and SQLite alone alternately, job by job. A disk that other programs use
-/// can be slow for seconds, and this must affect both measurements alike.
+/// Records each job twice: through the journal, and directly through SQLite. Both are measured in
+/// turn, job by job. A disk that other programs use can be slow for seconds, and this must affect
+/// both measurements alike.
 void measureOnce(Pairs<Cost>& pairs) {
   const Folder folder;
   const Folder bareFolder;

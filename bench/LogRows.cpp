@@ -244,8 +244,7 @@ struct StallView {
 
 template <typename Logger>
 StallView viewOfStall() {
-  // The load is 20,000 records a second for 0.4 s, twice as long as the destination of the records
-  // stalls.
+  // The load is 20,000 records a second for 0.4 s. For half of this time the destination stalls.
   constexpr Load load{"", 8000, 1, 50us};
   // This queue is too small for the records that arrive during the stall.
   constexpr std::size_t smallQueue = 1024;

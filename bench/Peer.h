@@ -15,12 +15,12 @@ namespace quordalvane::bench {
 /// The requests and replies of the measured exchanges.
 extern const std::vector<std::uint8_t> lineStatusRequest;  // 13 bytes
 extern const std::vector<std::uint8_t> lineStatusReply;    // 9 bytes
-extern const std::vector<std::uint8_t> dataCancelEnd;     // 6 bytes; the printer does not answer it
-extern const std::vector<std::uint8_t> escposQueries[3];  // 3 bytes each
-inline constexpr std::uint8_t escposReply = 0x12;         // the reply to each of the queries
+extern const std::vector<std::uint8_t> dataCancelEnd;      // 6 bytes; a command without an answer
+extern const std::vector<std::uint8_t> escposQueries[3];   // 3 bytes each
+inline constexpr std::uint8_t escposReply = 0x12;          // the reply to each of the queries
 
-/// The printer's end of one connection, on a thread of its own that blocks in `read`. The thread
-/// runs until the other side ends the connection, and the destructor waits for the thread. A peer
+/// The printer's side of one connection, on a thread of its own that blocks in `read`. The thread
+/// runs until the other side closes the connection, and the destructor waits for the thread. A peer
 /// must therefore outlive the other side.
 class Peer {
  public:

@@ -48,7 +48,8 @@ double microsecondsAt(Measure measure) {
   return seconds * microsecond;
 }
 
-/// The script measures the time itself, because the script's start is not part of a status query.
+/// Returns the time that the script prints. The script measures each status query, so its own start
+/// does not count.
 double secondsOfScript(const std::string& port) {
   return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
 }

@@ -12,9 +12,10 @@
 
 namespace quordalvane::bench {
 
-/// The printer's end of one connection. This printer prints at once, or after a delay, and confirms
-/// each job. It runs until the other side ends the connection, and the destructor waits for this
-/// end. A printer must therefore outlive the other side.
+/// The printer's side of one connection, on a thread of its own. This printer prints at once, or
+/// after a delay, and confirms each job. The thread runs until the other side closes the
+/// connection, and the destructor waits for the thread. A printer must therefore outlive the other
+/// side.
 class ReceiptPrinter {
  public:
   using Instant = std::chrono::steady_clock::time_point;
@@ -62,7 +63,7 @@ class ReceiptPrinter {
   const std::chrono::milliseconds printingTime_;
   std::vector<std::uint8_t> last_;  // the last received bytes, enough for the longest command
   std::vector<std::uint8_t> sign_;  // the confirmation that is sent when the job is printed
-  std::uint8_t marks_ = 0;          // how many marks are counted when the job is printed
+  std::uint8_t marks_ = 0;          // received marks, which are counted after printing
   std::uint8_t counter_ = 0;
   std::atomic<Instant> printedAt_ = Instant::max();
   std::atomic<Instant> heardDataAt_ = Instant();

@@ -59,7 +59,8 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// Returns the turns before the first byte of the receipt.
+/// Returns the exchanges before the receipt: all turns before the turn that contains the first byte
+/// of the receipt.
 std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> turns) {
   std::size_t count = 0;
   for (const auto& turn : turns) {

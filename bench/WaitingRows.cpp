@@ -61,8 +61,8 @@ Silence silenceOf(Wait wait) {
   return {.seconds = seconds, .coreShare = 100 * (processorSeconds() - before) / seconds};
 }
 
-/// Asks twice for a status, each time with ten slices and ten pauses, as a port does with a silent
-/// device.
+/// Asks twice for a status, as a port does with a silent device. After each request, polls ten
+/// times for an answer, for 0.1 s each time, and pauses 0.05 s after each poll.
 void askSilentDevice(BareLink& bare) {
   for (int attempt = 0; attempt < 2; ++attempt) {
     bare.write(lineStatusRequest);

@@ -89,8 +89,9 @@ void report(const Options& options, const Rows& rows) {
 }
 
 /// Raises the priority of this process, because other work on the machine would lengthen the
-/// longest of a thousand calls. The other figures do not need this: other work affects the library
-/// and its limit alike. The system may refuse a higher priority to an ordinary user.
+/// longest of a thousand calls. The other figures do not need this: they compare the library with
+/// direct system calls, and other work affects both alike. The system may refuse a higher priority
+/// to an ordinary user.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }
