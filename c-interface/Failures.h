@@ -41,7 +41,8 @@ QuorCode guarded(Body body) noexcept {
   }
 }
 
-/// Works as `guarded`, for a function that returns a value and no code; on failure it returns 0.
+/// Works as `guarded`, for a function that returns a value instead of a QuorCode. Returns 0 on
+/// failure.
 template <typename Body>
 auto answered(Body body) noexcept -> decltype(body()) {
   try {

@@ -77,7 +77,7 @@ struct QuorPrintJob {
   }
 
   std::string waitsFor;  // the reason of the printer's pause; set while the job runs
-  Progress progress;     // may be empty; a named job wraps it in its own function before the run
+  Progress progress;     // may be empty; for a named job, this also records that the job began
   quordalvane::PrintJob job;
   quordalvane::PrintResult result;
   std::atomic<bool> hasRun = false;
