@@ -1,7 +1,7 @@
 # The library for Bluetooth printers. It is separate, so that programs without it load no D-Bus
 # library.
 add_library(QuorBluez SHARED $<TARGET_OBJECTS:quor_bluez>
-            # Sources that the port's library does not export.
+            # The port's library hides the functions of these sources, so this library has copies.
             $<FILTER:$<TARGET_OBJECTS:quor_posix>,INCLUDE,/Deadline|/Descriptor|/Link|/Linger>
             $<FILTER:$<TARGET_OBJECTS:quor_backend_common>,INCLUDE,/SpecText>
             $<FILTER:$<TARGET_OBJECTS:quor_text>,INCLUDE,/Quoted>)

@@ -1,7 +1,7 @@
 # The library for the journal. It is separate, so that programs without it load no database.
 add_library(QuorJournal SHARED $<TARGET_OBJECTS:quor_journal> $<TARGET_OBJECTS:quor_locks>
             $<TARGET_OBJECTS:quor_journal_c_interface>
-            # The sources that the port's library does not export.
+            # The port's library hides the functions of these sources, so this library has copies.
             $<FILTER:$<TARGET_OBJECTS:quor_job>,INCLUDE,/Advice|/Words>
             $<FILTER:$<TARGET_OBJECTS:quor_c_interface>,INCLUDE,/Buffers>)
 add_library(QuorIOPort::QuorJournal ALIAS QuorJournal)

@@ -11,8 +11,8 @@ list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE obje
 # Only the command draws pictures of the paper, so programs do not need the drawing library.
 list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/drawing/>)
 
-# QUOR_EXPORT decides which names are exported: the sources are compiled with all other names hidden. The map gives the
-# exported names the library's version. It also hides names that other headers make visible, such as instances of
+# QUOR_EXPORT decides which names are exported: the sources are compiled with all other names hidden. The map adds the
+# library's version to the exported names. It also hides names that other headers make visible, such as instances of
 # standard templates.
 set(export_map ${PROJECT_BINARY_DIR}/exports.map)
 file(CONFIGURE OUTPUT ${export_map} @ONLY CONTENT [[
@@ -50,7 +50,8 @@ set_target_properties(QuorIOPort PROPERTIES VERSION ${PROJECT_VERSION}
 target_link_options(QuorIOPort PRIVATE LINKER:--version-script=${export_map} LINKER:--no-undefined)
 target_link_libraries(QuorIOPort PRIVATE ${ZINT_LIBRARY} Threads::Threads)
 
-# The library is linked by name, so that only programs that link statically need its package.
+# The barcode library zint is given by its name and not by its path, so that only programs that link the static library
+# need the package of zint.
 set(QUOR_STATIC_LINKS zint pthread)
 quor_product(QuorIOPortStatic STATIC)
 target_link_libraries(QuorIOPortStatic INTERFACE ${QUOR_STATIC_LINKS})
