@@ -24,8 +24,8 @@ struct FoundDevice {
   std::optional<bool> reachable;  ///< null if only opening a session shows whether it is reachable
 };
 
-/// Makes a text from outside fit for a `FoundDevice`: escapes control characters, and shortens the
-/// text to about 100 bytes.
+/// Returns a copy of `text` that is fit for a `FoundDevice`: control characters are escaped, and
+/// the copy has at most about 100 bytes.
 std::string shownText(std::string_view text);
 
 }  // namespace quordalvane
