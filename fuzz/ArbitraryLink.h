@@ -5,10 +5,11 @@
 
 namespace quordalvane::fuzz {
 
-/// Returns a link whose printer sends arbitrary replies, which the rest of the input lists in
-/// pieces. The first byte of a piece selects the request that the piece answers, or none, and the
-/// delay of the piece. The second byte is the length of the piece, up to 63. If two pieces answer
-/// one request, the second piece answers the repeated request.
+/// Returns a link whose printer sends arbitrary replies. Uses all remaining bytes of `input` as a
+/// list of replies. The first byte of a reply selects its delay, and the request that it answers,
+/// if any. The second byte selects the length of the reply, up to 63 bytes; the bytes of the reply
+/// follow. If two replies belong to one request, the second answers the repeated request. Instead
+/// of a reply, the list can contain the end of the link.
 inline test::Script arbitraryLink(Input& input) {
   using test::bytes;
   static const Bytes requests[] = {

@@ -45,8 +45,9 @@ void requireSame(const DeviceSpec& one, const DeviceSpec& other) {
 
 }  // namespace
 
-/// The input is a device text. It must be read and presented, or refused with a printable text.
-/// Nothing is connected.
+/// The input is a device text. Either it is refused with a printable message, or an accessory is
+/// made for the device. In the second case the device must be the same after it is written as a
+/// text and parsed again. Nothing is connected.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static test::VirtualPlatform platform;
   const std::string text(data, data + size);

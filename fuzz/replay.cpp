@@ -17,7 +17,7 @@ void feed(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};
   // The input is in a heap block of the exact size, so that the address sanitizer notices every
-  // byte read too many.
+  // read beyond its end.
   const auto exact = std::make_unique<std::uint8_t[]>(content.size());
   std::copy(content.begin(), content.end(), exact.get());
   std::cout << path.string()
