@@ -54,7 +54,8 @@ class Bounds {
 
   double end() const {
     const double mark = 2 * command();
-    // Three reads take up to one slice each: the report, the byte after it, and the leftover bytes.
+    // The port reads the report, the byte after the report, and the leftover bytes. Each of these
+    // three reads takes at most one run of the run loop.
     return emulation_ == lineMode
                ? mark + wait(end_, endPause) + status()
                : mark + 2 * command() + wait(end_, pollPause) + status() + 3 * slice;
@@ -113,7 +114,9 @@ double Bounds::of(const Operation& operation) const {
   if (name == "disconnect") {
     return commandMode() + query();
   }
-  return query();  // a question and its answer; or a request to drop the link, and its loss
+  // The other operations send a question and wait for the answer, or ask the printer to drop the
+  // link and wait until the link is lost.
+  return query();
 }
 
 double stepsBack(const Scenario& scenario) {
@@ -214,8 +217,8 @@ class Watch {
   const bool endsBlockInEscPos_;
   std::int64_t offered_ = 0;  // bytes offered by the writer's current attempt
   std::int64_t taken_ = 0;
-  int followed_ = 0;           // how many reads gave one byte since the last write
-  bool beginsReport_ = false;  // true if the first of these reads gave the first byte of a report
+  int followed_ = 0;           // how many bytes were read, one at a time, since the last write
+  bool beginsReport_ = false;  // whether the first of these bytes begins a report
   std::string stretch_;
 };
 

@@ -198,7 +198,7 @@ std::vector<Call> allCalls() {
 
 namespace {
 
-/// The results of the calls, of the port or of the model, joined.
+/// Makes the calls on `port`, which is a port or the model, and returns their joined results.
 template <typename Side, typename Port>
 std::string joined(const std::vector<Call>& calls, Side side, Port& port, Caller& caller) {
   std::string results;

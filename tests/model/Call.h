@@ -18,7 +18,7 @@ struct Caller {
 
   Trace* trace = nullptr;
   Bytes data;
-  QuorPrinterStatus_2 status;  // every flag and number is 7, raw is full of ee
+  QuorPrinterStatus_2 status;  // 7 in each flag and number, 0xee in each byte of raw
   std::int64_t resultCode = 77;
   bool onlineStatus = true;
 };
