@@ -25,7 +25,8 @@ COLLECTION, END_OF_COLLECTION, MEMBER = 0x34, 0x37, 0x4A
 def free_port() -> int:
     """A free port below the range that the system assigns by itself.
 
-    A connection must show that the port is free, because two servers of the framework can listen to the same port.
+    A port counts as free if a connection to it fails. An attempt to listen to the port would prove nothing, because two
+    servers of the framework can listen to the same port.
     """
     while True:
         port = random.randint(10000, 30000)
@@ -129,7 +130,8 @@ class Application(Case):
         self.port = free_port()
         self.client = Client(self.port)
         self.start()
-        # The test does not use the program's own commands, because those of all servers of a user share one socket.
+        # The client adds the printer over IPP. The program's own command would use a socket that all servers of a user
+        # share.
         self.client.add_printer("till", self.model, self.printer.place)
 
     def start(self, *options: str):
@@ -177,7 +179,8 @@ class Application(Case):
         eventually(lambda: self.client.job(job) == ("processing", message), f"job {job} says {message}")
 
     def receipt_files(self, ending: str, count: int) -> list[Path]:
-        """Waits until this number of receipts is complete: a receipt's record is written last. Returns their files."""
+        """Waits until `count` receipts are complete, and returns their files. A receipt with a record is complete, because
+        the record is written last."""
         eventually(lambda: len(list(self.receipts.glob("*.json"))) >= count, f"{count} receipts are there")
         return sorted(self.receipts.glob(f"*.{ending}"))
 

@@ -1,5 +1,7 @@
-"""Makes a figure in every format that a client sends, from the rules of the format itself, and finds the figure again
-on the paper."""
+"""Encodes a figure in every format that a client sends, and finds the figure again on the paper.
+
+The code follows the rules of the formats, and shares nothing with the product.
+"""
 
 import struct
 import zlib
@@ -51,7 +53,7 @@ class Bits:
 
 
 def jpeg(rows: list[bytes]) -> bytes:
-    """A grey picture. Each square of 8 by 8 pixels has only one grey, so the file contains only its mean."""
+    """A grey picture. Each square of 8 by 8 pixels has only one grey, and the file contains only this grey."""
 
     def segment(marker: int, data: bytes) -> bytes:
         return struct.pack(">BBH", 0xFF, marker, len(data) + 2) + data
@@ -115,8 +117,8 @@ def pwg_page(rows: list[bytes], height: int, bits: int) -> bytes:
 
 
 def pwg(*pages: list[bytes], height: int = 0, bits: int = 8) -> bytes:
-    """Pages with this number of bits a pixel (8 means grey). `height` is the height in each page's header if it differs
-    from the real one."""
+    """Pages with `bits` bits a pixel; 8 means grey. `height` is the height in each page's header; 0 means the real
+    height."""
     return b"RaS2" + b"".join(pwg_page(rows, height or len(rows), bits) for rows in pages)
 
 

@@ -75,7 +75,7 @@ class UnprintableDocument(Application):
 
 class JobOptions(Application):
     def record(self, contents: bytes, kind: str, *attributes: bytes) -> dict:
-        """Prints a document, and returns the printer's record of its receipt."""
+        """Prints a document, and returns the printer's record of the printed receipt."""
         job = self.print(contents, kind, *attributes)
         self.await_state("completed", job)
         return self.records(job)[-1]

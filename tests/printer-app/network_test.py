@@ -33,7 +33,7 @@ RAW_PORT = """<service-group><name>Counter</name><service><type>_pdl-datastream.
 
 
 def enter_own_network():
-    """Replaces this process by one with a private network, /run and /etc/avahi. Its children share them."""
+    """Restarts this program with a network, a /run and an /etc/avahi of its own. Its child processes share all three."""
     if "QUOR_OWN_NETWORK" not in os.environ:
         user = [] if os.geteuid() == 0 else ["--user", "--map-root-user"]
         os.execvpe("unshare", ["unshare", *user, "--net", "--mount", sys.executable, "-B", *sys.argv],
