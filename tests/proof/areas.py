@@ -15,8 +15,8 @@ class Area:
     name: str
     sources: tuple[str, ...]  # patterns of paths, from the root of the tree
     tests: tuple[str, ...]  # the folders of the tests; at least one test must fail if a source is broken
-    programs: tuple[str, ...]  # the programs of these folders; a filter after a program selects a part of its tests
-    waits: bool = False  # the tests wait for real time, so several processes share them
+    programs: tuple[str, ...]  # the test programs; a filter after a program's name selects a part of its tests
+    waits: bool = False  # whether the tests wait for real time; several processes then share the tests of a program
 
     def files(self) -> list[Path]:
         return sorted(file for pattern in self.sources for file in ROOT.glob(pattern))
@@ -44,7 +44,7 @@ AREAS = (
          ("unit_discovery_tests", "bluez_tests PrinterSearch.*"), waits=True),
     Area("c-interface", ("c-interface/*.cpp",), ("tests/unit/c-interface", "tests/c-interface"),
          ("unit_c-interface_tests", "c_interface_tests")),
-    # Only the virtual printer's answers and their times; other tests compare its drawings.
+    # This area includes only the virtual printer's answers and their times. Other tests compare the printer's drawings.
     Area("replies", tuple(f"simulator/{name}.cpp" for name in
                           ("StatusReplies", "ReplyPath", "BluetoothModule", "PrinterLink", "CommandScanner", "Reception")),
          ("tests/unit/simulator",),
@@ -55,7 +55,7 @@ NAMES = tuple(area.name for area in AREAS)
 
 
 def sentences(root: Path) -> list[str]:
-    """The tests in C, each of which runs in a process of its own."""
+    """The names of the tests that are written in C. Each of these tests runs in a process of its own."""
     return [name for source in sorted((root / "tests/c-interface").glob("*.c"))
             for name in re.findall(r"^static void ([A-Z][A-Za-z]*)\(void\)", source.read_text(), re.M)]
 
@@ -65,5 +65,5 @@ def area(name: str) -> Area:
 
 
 def area_of(path: str) -> Area:
-    """The area whose sources hold this file."""
+    """Returns the area to which this source file belongs."""
     return next(one for one in AREAS if ROOT / path in one.files())

@@ -1,11 +1,11 @@
-"""Counts the branches of the product that the tests take: of the port, the parsers, the print job, the logger, the
-back ends, the C interface and the virtual printer's replies.
+"""Counts how many branches of the product the tests take. It counts in the sources of the port, the parsers, the print
+job, the text functions, the logger, the back ends, the C interface and the virtual printer's replies.
 
-Usage: coverage.py BUILD [--again]. The coverage preset built the folder BUILD. Runs its test programs and counts
-each way that a condition in the sources can take; with --again, counts the previous run once more. Clang counts the
-branches of the sources, not of the machine code: branches that a compiler adds for exceptions and for the
-destruction of temporaries are omitted. Conditions that are constants, as in `while (true)` and `if constexpr`, are
-omitted, because they have only one outcome.
+Usage: coverage.py BUILD [--again]. BUILD is the build folder of the preset "coverage". Runs the test programs in BUILD
+and counts both outcomes of each condition in the sources; with --again, counts the results of the previous run. Clang
+counts the branches of the sources and not those of the machine code: branches that a compiler adds for exceptions and
+for the destruction of temporaries are omitted. Conditions that are constants, as in `while (true)` and `if constexpr`,
+are omitted, because they have only one outcome.
 
 Prints each branch that no test takes, with its explanation from uncovered.md. Fails if a branch that no test takes
 has no explanation, or if an explanation belongs to a branch that a test takes or that does not exist. Also fails if

@@ -23,14 +23,17 @@ def digest_of_texts(*texts: str) -> str:
 
 
 class Ledger:
-    """A table of results for each subject, in one file. Only one process at a time may write the file."""
+    """A table of results for each subject, in one file. A subject is an area of the product or a row of docs/proof.md.
+
+    Only one process at a time may write the file."""
 
     def __init__(self, name: str, folder: Path = FOLDER):
         self.file = folder / f"{name}.json"
         self.subjects = json.loads(self.file.read_text()) if self.file.exists() else {}
 
     def of(self, subject: str, state: str) -> dict:
-        """The subject's results for this state of the sources. Drops its results for another state."""
+        """Returns the subject's results for this state of the sources. If the kept results belong to another state, deletes
+        them and returns an empty table."""
         if self.subjects.get(subject, {}).get("state") != state:
             self.subjects[subject] = {"state": state, "answers": {}}
         return self.subjects[subject]["answers"]

@@ -1,7 +1,7 @@
 """Changes small things in the product, one at a time, and sees whether a test notices. A mutant is one such change.
 
 Usage: mutation.py COUNT [--seed SEED] [AREA …]. Tries COUNT mutants of each area; 0 means all. SEED (1 unless given)
-decides the order in which mutants are drawn; a change of the sources does not change the order of the other mutants.
+decides the order in which mutants are drawn. If a source is changed, the mutants of all unchanged lines keep this order.
 If a mutant does not compile, another one is drawn in its place.
 
 The result of each mutant is kept in build/proof/mutants.json, so that a run that was stopped (SIGINT, SIGTERM)
@@ -29,8 +29,8 @@ from ledger import Ledger, digest_of_texts
 ENOUGH = 0.95
 AT_ONCE = 40  # the size of a batch; within a batch, the mutants of a file follow each other
 
-# The replacements. The blanks around an operator exclude templates, arrows and includes. The pattern of + excludes
-# string literals, because a - in place of this + does not compile.
+# Each pattern with its replacement. The blanks around an operator exclude templates, arrows and includes. The pattern
+# for + excludes a + next to a string literal, because a - next to a string literal does not compile.
 OPERATORS = (
     (r" == ", " != "),
     (r" != ", " == "),
@@ -69,7 +69,7 @@ class Mutant:
         return text[: self.start] + self.new + text[self.end :]
 
     def describe(self, text: str) -> tuple[str, str]:
-        """The line before and after the change."""
+        """Returns the text of the line without the change, and its text with the change."""
         begin = text.rfind("\n", 0, self.start) + 1
         end = text.find("\n", self.end)
         changed = text[begin : self.start] + self.new + text[self.end : end]
@@ -164,7 +164,8 @@ class Tried:
         return tried[: count or None]
 
     def missing(self, count: int) -> list[Mutant]:
-        """The next mutants to try: at most AT_ONCE of the COUNT drawn mutants without a result, ordered by file."""
+        """The next mutants to try, ordered by file. They are at most AT_ONCE of those without a result among the first
+        `count` mutants; mutants that do not compile are not counted."""
         known = {one: self.answer(one) for one in self.drawn}
         compiling = [one for one in self.drawn if known[one] != "compiler"][: count or None]
         untried = [one for one in compiling if known[one] is None]

@@ -1,7 +1,9 @@
-"""Runs the proof, row by row, and writes its summary, docs/proof.md. See `./dev prove --help`.
+"""Runs the proof and writes its summary, docs/proof.md. Each row of the summary is run by itself. See
+`./dev prove --help`.
 
-Each row is divided into units. The figures of a unit that was run are kept in build/proof/. The unit is run again only
-after the product or its tests have changed, so a run that was stopped continues at the same point.
+The work for a row is divided into units; a unit is one run of a program. The figures of a finished unit are kept in
+build/proof/. The unit is run again only after the product or its tests have changed, so a run that was stopped continues
+at the same point.
 """
 
 import argparse
@@ -22,7 +24,8 @@ NOT_PRODUCT = ("docs", "examples", "debian", ".ci")
 
 
 def described_tree(root: Path) -> str:
-    """The commit, with -dirty after it if the tree differs from it in more than docs/proof.md, which each run writes."""
+    """The commit, followed by -dirty if the tree has changes. Changes of docs/proof.md do not count, because each run
+    writes this file."""
 
     def git(*words: str) -> str:
         return subprocess.run(["git", *words], cwd=root, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
@@ -93,7 +96,8 @@ def options() -> argparse.Namespace:
 
 
 def prove(row: Row, size: str, ledger: Ledger, state: str) -> bool:
-    """Runs the units of the row until the time is over, and writes the results so far. Returns false if the row fails."""
+    """Runs the programs of the row until the time is over, and writes the results so far to docs/proof.md. Returns false
+    if a program fails or runs no case."""
     print(f"== {row.title}, {size} size", flush=True)
     failure = None
     try:

@@ -1,4 +1,8 @@
-"""The summary of the proof is true: each row has cases, names the tree that was run, and counts no unit twice."""
+"""The table in docs/proof.md, which `./dev prove` writes, is true.
+
+Each row of the table has cases and names the commit that was run. No unit, which is one run of a program, is counted
+twice.
+"""
 
 import json
 import os
@@ -227,7 +231,7 @@ class ProofPage(unittest.TestCase):
 
 
 class ProofTables(unittest.TestCase):
-    """Each line of the product that survivors.md, uncovered.md or breaks.py quotes exists."""
+    """survivors.md, uncovered.md and breaks.py quote lines of the product. Each quoted line exists."""
 
     def assert_line(self, file: str, line: str):
         lines = [" ".join(one.split()) for one in (steps.ROOT / file).read_text().splitlines()]

@@ -23,8 +23,9 @@ SHARDS = 4  # how many processes share the tests of a program that mostly waits
 QUICK_LINKER = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold", "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=mold"] if shutil.which("mold") else []
 
 
-# The limit of each program's time in seconds: several times its time on this machine before the source was broken. A
-# program that hangs exceeds the limit, and so has noticed the broken source; a program on a busy machine stays below it.
+# The time limit of each program in seconds: several times its time on this machine before the source was broken. If the
+# broken source makes a program hang, the program exceeds the limit, which counts as a failed test. A program that a busy
+# machine slows down stays below the limit.
 limits: dict[str, float] = {}
 LONGEST_RUN, SHORTEST_LIMIT, SLACK = 600, 60, 4
 
@@ -86,7 +87,8 @@ def run_shard(program: str, chosen: str = "*", *, shards: int, shard: int) -> st
 
 
 def is_repeated(program: str, answer: str) -> bool:
-    """Whether a test fails again. A test that noticed the broken source does; one that a busy machine delayed does not."""
+    """Whether a test fails again. A test that the broken source made fail then fails again; a test that failed only
+    because the machine was busy then passes."""
     if answer.startswith(("ends ", "does ")):
         return True
     return ended(BUILD / "bin" / program, {"GTEST_FILTER": answer}) is not None
@@ -106,7 +108,7 @@ def ended(program: Path, environment: dict[str, str], *arguments: str) -> str | 
 
 
 def run_sentences(program: str, _waits: bool) -> str | None:
-    """Runs the tests in C. Returns the name of the first test that fails, or None."""
+    """Runs the tests that are written in C. Returns the name of the first test that fails, or None."""
     names = sentences(TREE)
     with ThreadPoolExecutor(SHARDS) as pool:
         answers = pool.map(lambda name: ended(BUILD / "bin" / program, {}, name) and name, names)

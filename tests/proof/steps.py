@@ -1,4 +1,4 @@
-"""The programs that a row of the proof runs, divided into units. A unit that was run is not run again."""
+"""The programs that a row of docs/proof.md runs, divided into units. A unit that was run is not run again."""
 
 import os
 import re
@@ -44,8 +44,8 @@ class Clock:
 
 
 def execute(command: list[str], environment: dict[str, str], ends_itself: bool = False) -> str:
-    """Runs the program and returns its output. If the proof is stopped, stops the program as well. Also stops the
-    processes that the program started, unless the program does this itself (`ends_itself`)."""
+    """Runs the program and returns its output. If the proof is stopped, stops the program and the processes that the
+    program started. With `ends_itself`, stops only the program, which then stops its processes itself."""
     process = subprocess.Popen(command, cwd=ROOT, env=os.environ | environment, stdout=subprocess.PIPE,
                                stderr=subprocess.STDOUT, text=True, errors="replace", start_new_session=True)
     try:
@@ -72,8 +72,8 @@ class Unit:
         return " ".join([*settings, *("python3" if word == sys.executable else word for word in self.command)])
 
     def run(self) -> dict:
-        """Runs the program. Returns how many cases it ran, their share of all cases of the unit, the time in seconds,
-        and the lines of its report."""
+        """Runs the program. Returns the number of finished cases ("cases"), the finished share of this run from 0 to 1
+        ("share"), the time in seconds ("seconds"), and the lines of the program's report ("told")."""
         began, share = time.monotonic(), 1
         try:
             cases, lines = self.cases_of(self)
@@ -168,8 +168,8 @@ class Portions:
 
     command: tuple
     counts: tuple  # the whole amount of work for each of SIZES, in cases, inputs or seconds
-    portion: tuple  # the amount that one run does, for each of SIZES, in the same unit
-    settings: object  # a function that returns the environment variables of a portion, from its number and its size
+    portion: tuple  # the amount of work of one run, for each of SIZES, measured as in `counts`
+    settings: object  # a function that takes the number and the amount of a portion, and returns its environment variables
     cases_of: object = plainly
 
     def units(self, size: str) -> list[Unit]:
