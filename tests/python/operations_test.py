@@ -72,7 +72,8 @@ def operations_of(kind: type) -> set[str]:
 
 
 def in_threads(*calls: Callable[[], object]) -> list[object]:
-    """Runs each call in THREADS threads; all threads begin at the same time. Returns the results of `calls * THREADS`."""
+    """Runs each call in THREADS threads; all threads begin at the same time. Returns THREADS results of each call: the
+    first result of every call in order, followed by the second result of every call, and so on."""
     together = threading.Barrier(THREADS * len(calls))
 
     def begin(call: Callable[[], object]) -> object:
