@@ -1,5 +1,5 @@
-// Operations on the printer's Bluetooth module, which enter its command mode, read its replies, and
-// make it drop the link.
+// Operations on the printer's Bluetooth module: entering its command mode, reading its replies, and
+// making it drop the link.
 
 #include <stdexcept>
 

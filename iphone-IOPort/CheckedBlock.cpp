@@ -112,8 +112,9 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
     if (status->offline == 1 || (status->etbCounter == 0 && status->paperPresent == 0)) {
       return true;
     }
-    // Each pass of the loop chooses its limit anew. After somebody has taken the paper, the
-    // creation time-out is the limit again; if this time has passed already, the wait ends at once.
+    // Each pass of the loop chooses its limit anew: `holdPrintTimeoutMillis` while paper is in the
+    // exit, and otherwise the time-out with which the port was created. So if the port's time-out
+    // has passed and the counter does not read 0, the wait ends when somebody takes the paper.
     std::int32_t waitTimeoutSec = wait.timeoutSec();
     std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
     if (status->paperPresent == 1) {

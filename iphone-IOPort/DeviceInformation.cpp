@@ -235,7 +235,8 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
   const std::size_t timeoutByte = dipSwSettingByte >> 6;
   const std::uint32_t setting = settings[timeoutByte];
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", setting);
-  // If button security is on, adds the port's own time-out, in 32 bits.
+  // If button security is on, the result is the printer's setting plus the port's time-out, modulo
+  // 2^32.
   return setting == 0 ? 0 : std::int64_t{static_cast<std::uint32_t>(setting + timeout_)};
 }
 

@@ -42,10 +42,10 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 ///
 /// **Threads.** Any thread may call the operations. An `open` or `close` that is called on the main
 /// thread runs on the port thread, if there is one. Every other operation runs on the caller's
-/// thread, takes no lock and blocks that thread while it waits. Two threads must not use one port
-/// at the same time. Only the property getters and setters and `isConnected` may be called by any
-/// thread at any time. A port created on the main thread owns a port thread, which keeps the port
-/// alive until `close` is called on the main thread.
+/// thread, and blocks that thread while it waits; it takes no lock. Two threads must not use one
+/// port at the same time. Only the property getters and setters and `isConnected` may be called by
+/// any thread at any time. A port created on the main thread owns a port thread, which keeps the
+/// port alive until `close` is called on the main thread.
 ///
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
 /// limit of n seconds ends when the seconds of the wall clock have advanced by more than n, that is
@@ -193,11 +193,12 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// `holdPrintTimeoutMillis` limits the wait for the paper.
   ///
   /// `status` and `resultCode` must not be null; `status` receives each status that the printer
-  /// sends. Returns true if the exchange worked; `*resultCode` is then success, or failed if a
-  /// line-mode printer was off line and nothing was sent. Returns false if the exchange failed or a
-  /// wait ended without success; `*resultCode` is then failed or paper present. `level` is passed
-  /// to the status query in ESC/POS. Throws the exceptions of `getParsedStatus`, and PortException
-  /// "[beginCheckedBlock] Failed to set data cancel timeout"; `*resultCode` is then failed.
+  /// sends. Returns true if the exchange worked; `*resultCode` is then success. Also returns true
+  /// if a line-mode printer is off line before the reset; the function then sends nothing more, and
+  /// `*resultCode` is failed. Returns false if the exchange failed or a wait ended without success;
+  /// `*resultCode` is then failed or paper present. `level` is passed to the status query in
+  /// ESC/POS. Throws the exceptions of `getParsedStatus`, and PortException "[beginCheckedBlock]
+  /// Failed to set data cancel timeout"; `*resultCode` is then failed.
   bool beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level,
                          std::int64_t* resultCode);
 
@@ -241,10 +242,11 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// shorten the wait.
   std::optional<ByteBuffer> retrieveDipSwitchInformation(std::uint8_t dipSwNumber);
 
-  /// Asks for the button-security time-out and returns it in milliseconds. The value is 0 if button
-  /// security is off. Otherwise it is the printer's 5, 10 or 20 seconds plus the creation time-out,
-  /// modulo 2^32. Returns -1 if the request could not be written or if fewer than 7 bytes arrived
-  /// within the creation time-out. A lost link does not shorten the wait.
+  /// Asks for the button-security time-out and returns it in milliseconds. Returns 0 if button
+  /// security is off. Otherwise adds the creation time-out to the printer's setting of 5, 10 or 20
+  /// seconds, and returns the sum modulo 2^32. Returns -1 if the request could not be written or if
+  /// fewer than 7 bytes arrived within the creation time-out. A lost link does not shorten the
+  /// wait.
   std::int64_t retrieveButtonSecurityTimeout();
 
   // -- The printer's Bluetooth module -------------------------------------------------------------

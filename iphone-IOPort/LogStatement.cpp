@@ -44,7 +44,7 @@ class MessageText {
 
  private:
   static constexpr std::size_t longestNumber =
-      317;  // the length of the lowest double with six decimals
+      317;  // the length of the lowest double, written with six decimals
 
   char* end() noexcept { return buffer_.data() + used_; }
 

@@ -213,8 +213,8 @@ class LogFormat {
   LogFormatPieces<Arguments...> pieces_;
 };
 
-/// Builds the message from `pieces`, each of which has a conversion that fits its argument, and
-/// from `rest`.
+/// Builds the message: the text of each piece and then the argument of this piece, and `rest` at
+/// the end. The conversion of each piece must fit its argument.
 std::string buildMessage(std::span<const LogFormatPiece> pieces, std::string_view rest,
                          std::span<const LogArgument> arguments);
 

@@ -22,7 +22,8 @@ struct LogStatistics {
   /// The number of records that were passed to outputLogAsyncWithLogType.
   std::uint64_t handedOver;
 
-  /// How many of these records were dropped because the queue was full or memory was short.
+  /// How many of the records in `handedOver` were dropped because the queue was full or memory was
+  /// short.
   std::uint64_t dropped;
 };
 
