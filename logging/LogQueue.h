@@ -22,16 +22,19 @@ class LogQueue {
   struct Batch {
     RecordBatch records;        ///< in the order in which they were pushed
     std::uint64_t dropped = 0;  ///< number of records dropped after the last of `records`
-    std::chrono::system_clock::time_point firstDropTime;  ///< the time of the first dropped record;
-                                                          ///< not valid if `dropped` is 0
+
+    /// The time at which the first of the dropped records was dropped; not valid if `dropped` is 0.
+    std::chrono::system_clock::time_point firstDropTime;
   };
 
   /// Numbers that the queue has counted since it was created.
   struct Counts {
-    /// The number of records that were pushed, even while the queue was closed.
+    /// The number of records that were pushed. Records that were pushed into a closed queue are
+    /// included.
     std::uint64_t handedOver = 0;
 
-    /// How many of these records were dropped: by a full queue or by `lose`.
+    /// How many of the records in `handedOver` were dropped: the queue was full, or `lose` was
+    /// called.
     std::uint64_t dropped = 0;
   };
 
@@ -58,8 +61,8 @@ class LogQueue {
 
   /// Puts the record into the queue, or drops it if the queue is full. The value of `record` is
   /// unspecified afterwards. A full queue remains full until the writer takes its records, so all
-  /// records that are dropped until then are missing at one place. A closed queue discards the
-  /// record and does not count it as dropped, because no sink expects it.
+  /// records that are dropped until then form one gap in the sequence of records. A closed queue
+  /// discards the record and does not count it as dropped, because no sink expects it.
   void push(LogRecord&& record) noexcept;
 
   /// Sets how many records may wait; records that the writer has taken are not counted. Records
@@ -86,12 +89,13 @@ class LogQueue {
   /// for. `batch` must have room for at least one record.
   bool take(Batch& batch);
 
-  /// Counts taken records as finished, because the sinks have received them; `records` is their
-  /// number.
+  /// Adds `records` to the number of finished records: the sinks have received this many of the
+  /// records that `take` returned.
   void finish(std::size_t records);
 
-  /// Counts taken records as dropped, because no sink received them; `records` is their number.
-  /// Also counts them as finished, so that `waitUntilFinished` does not wait for them.
+  /// Adds `records` to the number of dropped records: no sink has received this many of the records
+  /// that `take` returned. These records also count as finished, so that `waitUntilFinished` does
+  /// not wait for them.
   void lose(std::size_t records);
 
   /// Waits until every record queued so far is finished. Returns false if this takes longer than

@@ -35,7 +35,7 @@ class RecordBatch {
   void clear() noexcept;
 
  private:
-  std::vector<LogRecord> slots_;  // the slots after the first size_ hold cleared records
+  std::vector<LogRecord> slots_;  // slots_[size_] and later slots hold cleared records
   std::size_t size_ = 0;
 };
 
