@@ -39,9 +39,9 @@ void BuildParsedStatus(QuorPrinterStatus_2* status);
 
 /// Decodes `status->raw[0]` as the reply byte to the ESC/POS query `type`. Returns a value other
 /// than 0 if the byte is a status reply; the flags that this query reports are then exactly 0 or 1.
-/// Returns 0, and changes nothing, if the byte is not a status reply or if no single byte answers
-/// `type`. Other fields do not change in either case, and `rawLength` is ignored. `status` must not
-/// be null.
+/// Returns 0, and changes nothing, if the byte is not a status reply, or if `type` is `All` or an
+/// unknown value. Other fields do not change in either case, and `rawLength` is ignored. `status`
+/// must not be null.
 std::int32_t BuildParsedStatusESCPOS(QuorPrinterStatus_2* status, StatusType type);
 
 }  // namespace quordalvane
