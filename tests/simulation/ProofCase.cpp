@@ -27,7 +27,8 @@ ByteBuffer line(Dice& dice) {
   return letters;
 }
 
-/// An image whose dots hold the questions by which a printer is asked for its proof.
+/// An image whose dots contain the bytes of a question. A host sends such a question to learn
+/// whether the printer has printed a job.
 ByteBuffer image(Dice& dice) {
   constexpr std::uint8_t width = 32;
   ByteBuffer command = {0x1d, 0x76, 0x30, 0, width, 0, 1, 0};
@@ -61,8 +62,8 @@ std::string anyReply(Dice& dice) {
   return dice.oneIn(2) ? anyKind(dice) : std::to_string(dice.between(1, 20));
 }
 
-// Each fault adds at most one byte that looks like an in-order answer, because a count of the
-// answers cannot detect two of these bytes.
+// Each fault adds at most one byte that looks like an in-order answer. A count of the
+// answers can detect one such byte, but not two.
 void addFault(Case& made, Dice& dice) {
   auto add = [&made](const char* name, const std::string& value) {
     made.faults.emplace_back(name, value);

@@ -41,7 +41,8 @@ class World {
   /// Prints the case's job.
   PrintResult printJob();
 
-  /// Opens the port, and prints on it: answers to one job may arrive during the next.
+  /// `openPort` opens the port. `printOnOpenPort` prints a job on it and leaves it open, so late
+  /// answers to one job may arrive during the next job.
   /// @{
   void openPort();
   PrintResult printOnOpenPort(const ByteBuffer& data);

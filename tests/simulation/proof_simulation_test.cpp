@@ -1,5 +1,6 @@
-// Jobs on ESC/POS printers of every set of proofs, with every fault of their answers, another
-// host's job in the printer, and answers that arrive during the next job.
+// Simulates jobs on ESC/POS printers that support any set of proofs. The printers' answers have
+// every kind of fault and may arrive during the next job. Some printers still have a job of another
+// host.
 
 #include <gtest/gtest.h>
 

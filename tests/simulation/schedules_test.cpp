@@ -84,8 +84,8 @@ std::vector<Fault> everyFault(ProofKind proof) {
   return all;
 }
 
-/// Whether each of the two faults adds a byte that looks like an in-order answer. No count can
-/// distinguish two such bytes from true answers.
+/// Whether each of the two faults adds a byte that looks like an in-order answer. A count
+/// of the answers cannot distinguish two such bytes from true answers.
 bool isBeyondACount(const Fault& one, const Fault& other) {
   return one.second.starts_with("00@") && other.second.starts_with("00@");
 }
