@@ -22,7 +22,7 @@ class Weather:
     slice: int = READ_SIZE  # bytes that arrive together
     rate: float = 0  # bytes a second; 0 means without a limit
     delay: float = 0  # seconds
-    cut_after: int | None = None  # the sum of bytes in both directions since `set_weather`; None: no cut
+    cut_after: int | None = None  # the link is cut after so many bytes, in both directions, since `set_weather`; None: never
 
 
 class Direction:
@@ -70,7 +70,7 @@ class Relay(threading.Thread):
         self.weather = Weather()
         self.passed = 0
         self.cuts = 0
-        self.cut_done = threading.Event()  # not set after a cut of the link until the next till can connect
+        self.cut_done = threading.Event()  # cleared when the link is cut; set when the next till can connect
         self.cut_done.set()
         self.lock = threading.Lock()
         self.stopping = False

@@ -4,9 +4,9 @@ The argument is the till program. The environment variable QUORPORT names the co
 the seconds for which the tills print, 10 by default. QUOR_SEED sets the seed of the random choices, 1 by default. The
 last line of the output is a summary.
 
-No job fails if its link was not cut. The jobs are on the paper in their order, each once. A job that was called printed
-is on the paper as a whole; of any other job, at most a beginning is on the paper. At the end, a till has as many
-descriptors and threads as at the start, and less than 1 MiB more memory than after its fourth job.
+No job fails if its link was not cut. The jobs are on the paper in their order, and no job is there twice. If a job's
+result is "printed", the whole job is on the paper. Of any other job, at most the beginning is on the paper. At the end,
+a till has as many descriptors and threads as at the start, and less than 1 MiB more memory than after its fourth job.
 """
 
 import json
