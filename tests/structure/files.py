@@ -1,7 +1,7 @@
 """Checks the names of files, and that the library of a folder takes all sources of the folder. Usage: files.py ROOT
 
-A reader finds the class Foo in Foo.h and Foo.cpp, and its test in foo_test.cpp. If a folder has a single library, no
-list names its sources, so that a new source cannot be left out.
+A reader finds the class Foo in Foo.h and Foo.cpp, and its test in foo_test.cpp. If a folder has a single library,
+CMake searches the folder for the library's sources. No list names them, so a new source cannot be missing from a list.
 """
 
 import re

@@ -34,7 +34,7 @@ EVERY_SYSTEM_HEADER = None
 @dataclass(frozen=True)
 class Rule:
     place: str  # a folder or a pattern of files, from the root; the longest place that matches a file applies
-    rooms: tuple[str, ...]  # the rooms whose headers the files may include, besides their own
+    rooms: tuple[str, ...]  # the rooms whose headers the files may include; headers of the same place are always allowed
     headers: set[str] | None  # the headers in angle brackets that the files may include; None: all
     forbidden: str = ""  # a pattern that no line of the files may contain
 
@@ -66,7 +66,8 @@ RULES = (
     # The Bluetooth service makes the connection; a link of backends/posix takes over its descriptor.
     Rule("backends/bluez", ("platform", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),
-    # The device has the frameworks' own headers; this system has headers of the same names in a sub-folder.
+    # On the handheld device, the system has the frameworks' headers. For other systems, a sub-folder has headers of the
+    # same names.
     Rule("backends/handheld", ("platform", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("discovery", ("backends", "text", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("job", ("iphone-IOPort", "platform", PUBLIC), STANDARD, NO_CLOCK),
@@ -79,10 +80,10 @@ RULES = (
     Rule("c-interface", ("job", "iphone-IOPort", "logging", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
     # The folder belongs to the journal's library, so that a program without named jobs loads no database.
     Rule("c-interface/journal", ("c-interface/*", "journal", "locks", "job", "backends/*", PUBLIC), STANDARD, NO_CLOCK),
-    # The command also serves the simulator to other programs, without a port.
+    # The command may include the simulator, because it offers virtual printers to other programs.
     Rule("tools", ("job", "journal", "locks", "iphone-IOPort", "logging", "text", "backends", "discovery", "platform", "render",
                    "simulator", "tools/http", "tools/process", PUBLIC), EVERY_SYSTEM_HEADER),
-    # The web server includes no header of a printer, only microhttpd.h and headers of the system.
+    # The web server knows nothing of printers: besides `text`, it includes only microhttpd.h and headers of the system.
     Rule("tools/http", ("text",), EVERY_SYSTEM_HEADER),
     Rule("tools/process", (), EVERY_SYSTEM_HEADER),
     # The printer application and the back end for CUPS may not include the simulator.
