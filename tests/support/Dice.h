@@ -10,8 +10,8 @@
 
 namespace quordalvane::test {
 
-/// Random numbers from a seed that are the same on every machine; the standard's distributions are
-/// not.
+/// Random numbers that depend only on the seed. They are the same on every machine, unlike those of
+/// the standard library's distributions.
 class Dice {
  public:
   explicit Dice(std::uint64_t seed) : engine_(seed) {}

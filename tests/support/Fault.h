@@ -36,8 +36,9 @@ class Fault {
 
   virtual bool befalls(PlatformCall call) const = 0;
 
-  /// Whether the fault may affect a call and all later calls. If the clock stepped back at every
-  /// reading, no wait would end, and no contract promises the end of such a wait.
+  /// Whether the fault may affect a call and all later calls. False for a clock that steps back: if
+  /// the clock stepped back at every reading, no wait would end, and no contract promises that such
+  /// a wait ends.
   virtual bool mayLast() const { return true; }
 
   /// By how many seconds the wall clock jumps at each call that the fault affects.

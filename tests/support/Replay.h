@@ -12,8 +12,8 @@ namespace quordalvane::test {
 /// The case that this run is to repeat; empty if it is to run them all.
 std::optional<std::string> replayedCase();
 
-/// The seed of the replayed case, which is the number after `kind`; empty if the replayed case has
-/// another kind or no case is replayed.
+/// The seed of the replayed case: 4711 if the case is named "script 4711" and `kind` is "script".
+/// Empty if the replayed case is of another kind or no case is replayed.
 std::optional<std::uint64_t> replayedSeed(const std::string& kind);
 
 /// Whether this run includes the case: every case, unless only one case is replayed.

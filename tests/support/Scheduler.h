@@ -65,8 +65,8 @@ class Scheduler {
   /// Wakes a waiting thread: it is due now.
   void wake(Thread& thread);
 
-  /// Runs `event` at `instant`, on whichever thread waits then and before any thread that is due at
-  /// that instant. The event must not wait.
+  /// Runs `event` at `instant`, before all threads that are due at that instant. The event runs on
+  /// the thread that gave up the turn last, and must not wait.
   void at(Instant instant, std::function<void()> event);
 
  private:

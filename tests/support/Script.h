@@ -12,7 +12,8 @@
 
 namespace quordalvane::test {
 
-/// Some bytes, and how many seconds after the request, or after the start, they arrive.
+/// Bytes that arrive `after` seconds after their request, or after the start if no request causes
+/// them.
 struct Piece {
   Bytes bytes;
   double after = 0;
@@ -36,9 +37,9 @@ struct Script {
   Reply deliveries;
   std::vector<Answer> answers;
   std::optional<std::size_t> mostPerRead;
-  std::map<std::size_t, std::int64_t> readResults;  // by the number of the read, from 1
-  /// Says when the link expects more bytes. It expects them always, never, or after each write that
-  /// may be answered, until a read returns bytes.
+  std::map<std::size_t, std::int64_t> readResults;  // key: the number of the read, from 1
+  /// When the link expects more bytes: always, never, or while an answer is due. An answer is due
+  /// after a write that may be answered, until a read returns bytes.
   enum class Expects { Always, Never, WhereAsked };
   Expects expects = Expects::Always;
 
@@ -46,7 +47,7 @@ struct Script {
   std::vector<std::size_t> attempts;  // bytes that each `write:` sends; further calls send all
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
-  std::map<std::size_t, std::int64_t> writeResults;  // by the number of the write, from 1
+  std::map<std::size_t, std::int64_t> writeResults;  // key: the number of the write, from 1
 
   // -- The link and the clock ---------------------------------------------------------------------
   // The answers to the first calls of `isConnected`. Later calls return the real state.
@@ -55,8 +56,9 @@ struct Script {
   std::optional<double> backAt;
   std::optional<std::size_t> lostAfterBytes;  // the link is lost after so many written bytes
   std::optional<std::size_t> lostAfterReads;  // the link is lost after so many reads
-  std::size_t lostAfterCalls = 100000;        // so that every run ends
-  // The seconds by which the wall clock jumps, by the number of its reading, from 1.
+  std::size_t lostAfterCalls = 100000;  // the link is lost after so many calls, so every run ends
+  // The seconds by which the wall clock jumps before a reading. The key is the number of this
+  // reading, from 1.
   std::map<std::size_t, std::int64_t> clockSteps;
   std::int64_t startMicroseconds = 0;  // microseconds after the full second
 

@@ -19,7 +19,7 @@ class ScriptedLink {
   /// The operation under test begins: times and counts start here.
   void start();
 
-  /// Called when a `write:` begins: the next of the script's attempts begins.
+  /// Begins the next of the script's attempts. Called at the beginning of each `write:`.
   void beginAttempt();
 
   /// Called before each reading of the wall clock.

@@ -24,7 +24,7 @@ class ScriptedWorld {
                          const std::vector<AccessoryIdentity>& accessories = {shopPrinter()},
                          const Layer& layer = {});
 
-  /// The second of the wall clock at which the operation under test begins.
+  /// The time of the wall clock, in whole seconds, when the operation under test begins.
   static constexpr std::int64_t startSecond = 1000000;
 
   /// The operation under test begins: the script, the clock and the trace start here.

@@ -164,8 +164,8 @@ std::size_t repetitions(const Texts& lines, std::size_t place, std::size_t lengt
   return count;
 }
 
-/// How many lines from `place` on form the group whose repetitions cover the most lines; 1 if
-/// nothing is repeated.
+/// Finds the group of lines at `place` whose repetitions cover the most lines, and returns how many
+/// lines the group has; 1 if no group is repeated.
 std::size_t bestLength(const Texts& lines, std::size_t place) {
   constexpr std::size_t longest = 100;
   std::size_t best = 1;
