@@ -29,7 +29,7 @@ class Peer {
   /// Takes and returns `count` bytes, or fewer if the link ends or a generous time passes first.
   virtual Bytes read(std::size_t count) = 0;
 
-  /// Takes no more bytes until the next `read`.
+  /// Makes the device accept no more bytes until the next `read`.
   virtual void stall() = 0;
 
   /// Ends the link in good order.

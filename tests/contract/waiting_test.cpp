@@ -6,7 +6,7 @@ namespace {
 constexpr double instantly = generously / 2;  // seconds; a call that takes longer has waited
 
 TEST_P(LinkContract, AWaitForBytesEndsAtOnceWhenBytesArrive) {
-  ASSERT_EQ(write({1}), 1);  // the device may answer, so waitUntilReady waits for bytes
+  ASSERT_EQ(write({1}), 1);  // after a write, waitUntilReady waits for the device's answer
   peer->write({1});
   const double start = now();
   input->waitUntilReady(generously);

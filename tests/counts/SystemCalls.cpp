@@ -12,7 +12,7 @@
 namespace quordalvane {
 namespace {
 
-// A call that no other code makes marks the beginning and the end of the count.
+// Two calls with this number enclose the counted calls. No other code makes this call.
 constexpr long mark = SYS_getppid;
 
 void* asPointer(std::uintptr_t value) {

@@ -7,7 +7,7 @@
 
 namespace quordalvane {
 
-/// Numbers of system calls, in the order in which they were made.
+/// System calls, in the order in which they were made. Each is a number such as SYS_read.
 using SystemCalls = std::vector<long>;
 
 /// The system calls that `body` makes on its thread. `body` runs in a copy of this process, and the

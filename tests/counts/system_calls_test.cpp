@@ -61,8 +61,9 @@ std::size_t exchangeCallsIn(const SystemCalls& calls) {
   return count;
 }
 
-/// Returns the system calls of one status request. If the system's clock ticks during the request,
-/// the port checks an idle line again. So the result is the request with the fewest calls of many.
+/// Returns the system calls of one status request. If the system's clock ticks during a request,
+/// the port checks an idle line again, which adds calls. Therefore this function makes several
+/// requests, and returns the calls of the one with the fewest.
 std::optional<SystemCalls> callsOfAStatus(AnsweredPort& answered) {
   constexpr int exchanges = 20;
   auto fewest = systemCallsOf([&] { answered.port.getStatus(); });

@@ -17,12 +17,12 @@ struct StandInAnnouncement {
   std::uint16_t port = 9100;
   std::vector<std::string> texts = {};
   std::string type = "_pdl-datastream._tcp";
-  std::uint32_t flags = 0;  ///< of the resolver's answer; 1: the answer is cached
+  std::uint32_t flags = 0;  ///< the flags in the resolver's answer; 1: the answer is cached
 };
 
-/// A stand-in on the system's bus for the part of the network's discovery service that a search
-/// needs. It announces everything before it answers a program that browses. A separate thread
-/// serves it until it is destroyed.
+/// A stand-in on the system's bus for the network's discovery service. It has only the functions
+/// that a search needs. It announces everything before it answers a program that browses. A
+/// separate thread serves it until it is destroyed.
 class StandInAvahi {
  public:
   explicit StandInAvahi(std::vector<StandInAnnouncement> announcements);
