@@ -1,4 +1,4 @@
-"""The printers that the back end lists, and the printers that the URIs of queues name."""
+"""The back end lists printers, and finds the printer that a queue's URI names."""
 
 import socket
 import subprocess
@@ -14,7 +14,7 @@ LIMIT = 3  # seconds that the back end may take to list printers
 
 class Listing(BusCase):
     def list(self) -> tuple[str, float]:
-        """The output of the back end that lists printers, and how many seconds this took."""
+        """Lets the back end list printers. Returns its output, and how many seconds the listing took."""
         began = time.monotonic()
         said = subprocess.run([QUOR], capture_output=True, text=True, timeout=DEADLINE, env=self.environment)
         self.assertEqual(said.returncode, 0, said)

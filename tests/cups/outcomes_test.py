@@ -163,8 +163,8 @@ class Unconfirmed(QueueCase):
     def test_a_held_job_can_be_released_after_the_scheduler_restarts(self):
         printer = self.simulator()
         job = self.unconfirmed(printer, self.queue(printer))
-        # After the scheduler restarts, a release is recognised only if the scheduler's record of the job is newer than
-        # the journal's record: see isReleased.
+        # After the scheduler restarts, the back end recognises that a person has released the job only if the
+        # scheduler's record of the job is at least a second newer than the journal's: see isReleased.
         time.sleep(1.1)
         self.scheduler.end()
         self.scheduler.start()

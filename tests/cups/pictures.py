@@ -11,7 +11,7 @@ Picture = list[bytes]  # rows, in which 1 is ink
 
 
 def of_receipt(file: Path) -> Picture:
-    """A picture of the virtual printer: a byte of a palette for each dot."""
+    """A receipt that the virtual printer drew. In the file, a dot is one byte: a colour's number in the palette."""
     data, place, chunks = file.read_bytes(), 8, {}
     while place < len(data):
         length, name = struct.unpack_from(">I4s", data, place)

@@ -20,7 +20,7 @@ class ProgramCase(Case):
         def give_channel():
             if channel is not None:
                 os.dup2(channel.fileno(), 4)
-                os.set_inheritable(4, True)  # dup2 does not do this if the number was already 4
+                os.set_inheritable(4, True)  # dup2 does not make 4 inheritable if it copies 4 to 4
 
         process = subprocess.Popen(
             [*under, "1", "anna", "receipt", str(copies), options, *file], env=environment,

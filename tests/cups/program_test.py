@@ -1,4 +1,4 @@
-"""The back end is started as a scheduler would start it: its arguments, environment, exit code and descriptors."""
+"""The arguments, environment, exit code and descriptors of the back end, started as a scheduler would start it."""
 
 import select
 import socket
