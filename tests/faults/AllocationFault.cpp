@@ -8,8 +8,8 @@
 namespace quordalvane::test {
 namespace {
 
-// All covered threads share one fault. So the allocations of a routine also fail if the routine
-// runs on another covered thread.
+// All threads that have called `coverThisThread` share one fault. So the allocations of a routine
+// also fail if it runs on another of these threads.
 struct Plan {
   std::atomic<bool> armed = false;
   std::atomic<Allocation> which = Allocation::Any;

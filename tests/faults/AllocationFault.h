@@ -8,8 +8,8 @@ namespace quordalvane::test {
 enum class Allocation { Any, AnsweringNull };
 
 /// As long as the object lives, the k-th allocation fails, alone or with all later allocations.
-/// Only the allocations of covered threads count. These are the thread that makes the object, and
-/// the threads that have called `coverThisThread`. Only one object may exist at a time.
+/// Only the allocations of covered threads count. A thread is covered if it has made an object of
+/// this class or has called `coverThisThread`. Only one object may exist at a time.
 class AllocationFault {
  public:
   /// The first allocation has k = 1. Also calls `coverThisThread`.

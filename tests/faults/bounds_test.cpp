@@ -21,8 +21,8 @@ std::ptrdiff_t movesAfterTheLoss(const Outcome& outcome) {
                        [](const Line& line) { return line.about == About::Data; });
 }
 
-/// Runs a call whose part `exemption` has no bound. Checks that the call moves no byte after it has
-/// noticed the lost link.
+/// Runs a call. Checks that `exemption` names the part of the run that has no bound, and that the
+/// call moves no byte after it has noticed the lost link.
 Outcome expectEndWithTheLink(const Scenario& scenario, const Call& call,
                              const std::string& exemption) {
   const Outcome outcome = scenario.run(call);

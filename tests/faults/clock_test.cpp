@@ -65,8 +65,8 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     return scenario;
   }
 
-  /// Returns the name of the case in which the clock is changed by `seconds` at the given reading:
-  /// 1 is the first time that the call reads the clock.
+  /// Returns the name of the case in which the clock is changed by `seconds` at the given reading.
+  /// The call's first reading of the clock has the number 1.
   static std::string name(const Call& call, std::int64_t seconds, std::size_t reading) {
     const auto [emulation, printer] = GetParam();
     return std::string("clock ") + emulationName(emulation) + " " + nameOf(printer) + " " +
@@ -88,7 +88,7 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     return outcome;
   }
 
-  /// A clock that is set forward can end a wait early, but makes nothing longer.
+  /// A clock that is set forward can end a wait early, but cannot make a wait longer.
   static void stepAhead(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
     for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
       Scenario stepped = scenario();
@@ -114,8 +114,9 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// Sets the clock back by a step that is too long to wait for. After some more readings, which
-  /// must not end the wait, the clock is corrected.
+  /// Sets the clock back by a step that is too long to wait for, and corrects the clock after 30
+  /// more readings. Before the correction the call must not end early; after it the call must not
+  /// wait for the step.
   static void stepBackForAWhile(const Call& call, const Outcome& undisturbed,
                                 std::int64_t seconds) {
     constexpr std::size_t readings = 30;

@@ -1,5 +1,5 @@
-// Memory runs short for the thread that delivers log records: its first, second, … allocation after
-// a write fails.
+// The thread that delivers log records runs out of memory: in the first run at its first allocation
+// after a write, in the next run at its second, and so on.
 
 #include <gtest/gtest.h>
 

@@ -16,7 +16,7 @@
 namespace quordalvane::test {
 namespace {
 
-/// The exceptions that may leave an operation besides those of the platform.
+/// Returns the operation's own exceptions. The operation may also throw those of the platform.
 std::set<std::string> ownExceptions(const std::string& operation) {
   std::set<std::string> raised;
   if (operation == "getParsedStatus" || operation == "getOnlineStatus" ||

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint32_t limitMillis = 1000;
 constexpr std::size_t longestForPairs = 20;
-constexpr double instant = 0.01;  // seconds after which earlier bytes have been read
+constexpr double instant = 0.01;  // seconds between two pieces of a reply; enough to read the first
 
 /// Seconds for which a link stalls; the last stall is longer than every limit of the operation.
 std::vector<double> stalls(const Bytes& reply) {
@@ -31,7 +31,7 @@ Bytes tail(const Bytes& whole, std::size_t offset) {
   return {whole.begin() + static_cast<std::ptrdiff_t>(offset), whole.end()};
 }
 
-/// A fault of a reply or of a command, with its name for the case.
+/// A fault of a reply or of a command. `name` becomes a part of the name of the test case.
 template <typename What>
 struct Torture {
   std::string name;
