@@ -29,8 +29,8 @@ MaybeSetback AutoProof::begin() {
   return chosen_->begin();
 }
 
-/// Checks that the printer is ready, and then asks which proof it gives. Does not ask again if an
-/// earlier search found no proof and the printer has later sent no answer that can confirm a job.
+/// Checks that the printer is ready, and then asks which proof it gives. If an earlier search found
+/// no proof, asks again only if this job has received an answer that can confirm a job.
 MaybeSetback AutoProof::find() {
   if (auto setback = refuseUnready(link(), answers_, result())) {
     return setback;

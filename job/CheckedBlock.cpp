@@ -85,9 +85,10 @@ std::string CheckedBlock::whyNotBegun() const {
 }
 
 /// Waits for the answers to all earlier requests, and then sends one more request. The answer to
-/// this last request arrives after all reports of earlier jobs. In line mode the answer shows that
-/// the printer has counted no mark of an earlier job since its counter was reset. So every
-/// confirmation that arrives after this answer belongs to this job.
+/// this last request arrives after all reports of earlier jobs. In line mode this answer contains
+/// the counter. If the counter is not 0, a mark of an earlier job was counted after the reset, and
+/// this job fails. In all other cases every confirmation that arrives after this answer belongs to
+/// this job.
 MaybeSetback CheckedBlock::synchronise() {
   link().drain();
   if (auto setback = awaitAnswers()) {

@@ -66,7 +66,7 @@ class CheckedBlock : public Proof {
   void keepStatus();
 
   OwedAnswers answers_;
-  bool isBeginning_ = true;  // true before the data is sent; only then are answers counted
+  bool isBeginning_ = true;  // answers are counted only while this is true: before the data is sent
   QuorPrinterStatus_2 status_ = {};
 };
 

@@ -24,7 +24,7 @@ class InOrderProof final : public EndSign {
 
   PortMemory& memory_;
   std::uint64_t asked_ = 0;
-  bool isSure_ = false;  // true if every query was answered when the data was sent
+  bool isSure_ = false;  // true if, before the data, every query was answered exactly once
 };
 
 /// The command that requests one status, which the printer sends after it has processed all earlier

@@ -10,8 +10,9 @@
 
 namespace quordalvane {
 
-/// A print job that is running. This class sends the data and counts the sent bytes; a proof
-/// begins, ends and judges the job.
+/// A print job that is running. This class sends the data and counts the sent bytes. A `Proof`
+/// object prepares the printer before the data; after the data, it ends the job and finds out
+/// whether the job was printed.
 class JobRun {
  public:
   /// All three arguments must outlive this object.

@@ -44,9 +44,9 @@ class PortLink final : private TransferObserver {
   /// must exist until the next call of this function.
   void setListener(TransferObserver* listener) { listener_ = listener; }
 
-  /// Calls `operation` and returns its result. A read or write of the operation throws GivenUp
-  /// after `limit` has passed; a read that fails always throws it. If calls are nested, the limit
-  /// that ends first counts.
+  /// Calls `operation` and returns its result. A read or write of the operation throws GivenUp if
+  /// `limit` has passed. A read that fails throws GivenUp even before `limit` has passed. If calls
+  /// are nested, the limit that ends first counts.
   template <typename Operation>
   auto within(std::chrono::nanoseconds limit, Operation operation) {
     const Limited limited(*this, now() + limit);

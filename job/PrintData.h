@@ -31,11 +31,11 @@ bool isNeverAnswered(ByteView data);
 /// end of the data.
 std::size_t commandEnd(ByteView data, std::size_t position);
 
-/// Returns, in words, why a query after `data` would prove nothing. There are two reasons: the data
-/// ends inside a command, so that the printer reads the query as data, or a command in the data
-/// makes the printer drop data. Returns null if a query after `data` can prove the printing. If a
-/// command states the length of its payload, this payload is searched only for the command that
-/// clears the buffer in real time.
+/// Returns, in words, why a query after `data` would prove nothing. There are two reasons. The data
+/// may end inside a command: the printer would read the query as a part of this command. Or a
+/// command in the data may make the printer drop data. Returns null if a query after `data` can
+/// prove the printing. If a command states the length of its payload, this payload is searched only
+/// for the command that clears the buffer in real time.
 std::optional<std::string> endSignObstacle(ByteView data);
 
 /// Returns how many in-order statuses (see inOrderRequest) the data itself requests; null if they

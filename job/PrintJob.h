@@ -78,10 +78,10 @@ class QUOR_EXPORT PrintJob {
   PrintResult run(std::string_view text);
   /// @}
 
-  /// Abandons the job. At its next read or write, after at most 0.3 s, the job notices the cancel.
-  /// Then it sends the printer a command to drop its data, gives up if the link does not take this
-  /// command within 0.5 s, and closes the port. Any thread and any signal handler may call
-  /// `cancel`, even before `run`.
+  /// Abandons the job. The job notices the cancel at its next read or write, after at most 0.3 s.
+  /// Then it sends the printer a command to drop the rest of the data, and waits at most 0.5 s
+  /// until the link has taken this command. In any case the job then closes the port. Any thread
+  /// and any signal handler may call `cancel`, even before `run`.
   void cancel() noexcept { cancelled_ = true; }
 
  private:

@@ -25,7 +25,7 @@ QUOR_EXPORT std::string_view nameOf(PrintOutcome outcome);
 
 /// Why a job was not confirmed as printed.
 enum class PrintObstacle {
-  None,             ///< the job was printed, or did not run to its end
+  None,             ///< the job was printed, or has not been run
   PrinterNotReady,  ///< the printer answered that it is off line, or that paper is in its exit
   LinkLost,         ///< the link was lost before the job ended
   Cancelled,        ///< `PrintJob::cancel` was called

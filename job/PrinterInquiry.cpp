@@ -126,9 +126,9 @@ class Question final : private TransferObserver {
     }
   }
 
-  /// Returns whether the port may have read a part of the first answer of the online test as the
-  /// second answer. Before its second request the port drops the bytes of the first answer, but it
-  /// reads bytes that arrive later as the second answer.
+  /// Returns whether the port may have mixed up the two answers of the online test. Before its
+  /// second request the port drops the bytes of the first answer that have arrived. If bytes of the
+  /// first answer arrive later, the port reads them as the second answer.
   bool isMixedUp(bool isAnswered) const {
     return link_.port().emulation() == ZKEmulationESCPOS
                ? isMixedUpInESCPOS(isAnswered)
@@ -136,9 +136,9 @@ class Question final : private TransferObserver {
   }
 
  private:
-  // In ESC/POS the port rejects most parts of a status block, so it may report no answer after it
-  // has mixed up two answers. If the last read of the port received nothing, the port reports no
-  // answer because of its time-out, and has mixed up nothing.
+  // In ESC/POS the port rejects most parts of a status block. So if the port reports that the
+  // printer did not answer, it may have mixed up two answers. But if its last read received
+  // nothing, the reason is its time-out, and nothing was mixed up.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
     const Bytes bytes = joined(reads_);

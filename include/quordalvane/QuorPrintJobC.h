@@ -72,7 +72,7 @@ enum {
 
 /** Why a job was not confirmed as printed. */
 enum {
-  QUOR_OBSTACLE_NONE = 0,              /**< the job was printed, or did not run to its end */
+  QUOR_OBSTACLE_NONE = 0,              /**< the job was printed, or has not been run */
   QUOR_OBSTACLE_PRINTER_NOT_READY = 1, /**< the printer is off line, or paper is in its exit */
   QUOR_OBSTACLE_LINK_LOST = 2,         /**< the link was lost before the job ended */
   QUOR_OBSTACLE_CANCELLED = 3,         /**< quor_print_job_cancel was called */
@@ -107,10 +107,10 @@ QUOR_EXPORT void quor_print_job_free(QuorPrintJob* job);
  * of bytes sent is unknown. */
 QUOR_EXPORT QuorCode quor_print_job_run(QuorPrintJob* job, const void* data, size_t size);
 
-/** Abandons the job. At its next read or write, after at most 0.3 s, the job notices the cancel.
- * Then it sends the printer a command to drop its data, gives up if the link does not take this
- * command within 0.5 s, and closes the port. Any thread and any signal handler may call this
- * function, even before the run. */
+/** Abandons the job. The job notices the cancel at its next read or write, after at most 0.3 s.
+ * Then it sends the printer a command to drop the rest of the data, and waits at most 0.5 s until
+ * the link has taken this command. In any case the job then closes the port. Any thread and any
+ * signal handler may call this function, even before the run. */
 QUOR_EXPORT void quor_print_job_cancel(QuorPrintJob* job);
 
 /** Return the outcome, the obstacle (why the job was not confirmed), the result code of the
