@@ -16,7 +16,7 @@ struct Attempt {
   Fingerprint data = {};
   std::string device = {};                 ///< the text of the device
   std::int64_t begun = 0;                  ///< the beginning, in milliseconds since 1970, UTC
-  std::optional<std::int64_t> ended = {};  ///< the end, in the same unit; null before the end
+  std::optional<std::int64_t> ended = {};  ///< the end, in the unit of `begun`; null before the end
   std::string outcome = {};  ///< the name of a `PrintOutcome`; "" before the attempt has ended
   std::uint64_t bytesAccepted = 0;  ///< as in `PrintResult`
   std::string reason = {};          ///< as in `PrintResult`

@@ -141,8 +141,8 @@ std::vector<Attempt> Journal::attemptsOf(std::string_view name) {
 }
 
 /// Adds `attempt` as a row. If there is a row of the same name whose number is `replaced`, that row
-/// is deleted. It is read again here, because another process may have changed it since the caller
-/// read it.
+/// is deleted. The rows are read again here, because another process may have changed them after
+/// the caller read them.
 void Journal::write(const Attempt& attempt, std::int64_t replaced) {
   Transaction transaction(*database_);
   for (const Attempt& row : rowsOf(*database_, attempt.name)) {

@@ -81,8 +81,9 @@ class QUOR_EXPORT Journal {
   std::vector<JobRecord> jobs();
 
   /// Removes a job. A later job with this name counts as new and is printed, even if the removed
-  /// job is on paper already. If another process uses the job, waits for it at most two seconds,
-  /// and returns BeingPrinted if it needs longer.
+  /// job is on paper already. If another process is printing the job, waits at most two seconds
+  /// until that process has finished. If it has not finished by then, removes nothing and returns
+  /// BeingPrinted.
   Forgetting forget(const std::string& name);
 
   /// Removes the jobs whose last attempt began more than `days` days ago, with any outcome. A job

@@ -102,9 +102,9 @@ class QUOR_EXPORT NamedJob {
   PrintJob::Options recorded(PrintJob::Options options = {});
 
   /// Runs `job`, which must have the options that `recorded` returned, and records its outcome. May
-  /// be called once, if `answer` is null. Throws `JournalError` if the beginning of the job could
-  /// not be recorded; then nothing of the job was sent, and `run` has closed the port. Exceptions
-  /// of `PrintJob::run` pass through.
+  /// be called once, and only if `answer()` returns null. Throws `JournalError` if the beginning of
+  /// the job could not be recorded; then nothing of the job was sent, and `run` has closed the
+  /// port. Exceptions of `PrintJob::run` pass through.
   NamedJobResult run(PrintJob& job);
 
   /// Records that a person is being told now that nobody knows whether the job is on paper. Later
