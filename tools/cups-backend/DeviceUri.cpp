@@ -78,7 +78,7 @@ void addQuery(DeviceUri& uri, std::string_view query) {
   }
 }
 
-// Refuses a user name or a password before the host.
+// Refuses a URI with a user name or a password, as in USER:PASSWORD@HOST.
 void refuseCredentials(std::string_view path, const Scheme* scheme) {
   const bool mayHoldAt = scheme != nullptr && scheme->name != "tcp";
   if (!mayHoldAt && path.find('@') != std::string_view::npos) {

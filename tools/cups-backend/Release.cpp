@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// A job's record shows a release only if it was written at least this many milliseconds after the
-// outcome was reported as unknown. An earlier record may be the one by which the scheduler held the
-// job.
+// A job's record is sure to contain the hold only if it was written at least this many milliseconds
+// after the outcome was reported as unknown. An earlier record may be from just before the
+// scheduler held the job.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {

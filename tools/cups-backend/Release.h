@@ -14,12 +14,15 @@ std::optional<std::int64_t> schedulerStart(int scheduler);
 
 /// Returns true if this job was started because a person has released it. The outcome of the job
 /// was reported as unknown at the time `told`, and the scheduler then held the job. A scheduler
-/// starts a held job only if a person releases it. But if a scheduler was killed, the hold may be
-/// lost, and the next scheduler then starts the job by itself.
+/// that knows of the hold starts the job only if a person releases it. But if a scheduler was
+/// killed before it saved the hold in the job's record, `controlFile`, the next scheduler starts
+/// the job by itself.
 ///
-/// A person has therefore released the job in two cases: the scheduler that held the job still
-/// runs, or an earlier scheduler has written the job's record, `controlFile`, after `told`. All
-/// times are milliseconds since 1970.
+/// The scheduler that started this job knew of the hold in two cases: it is the one that held the
+/// job, or it has read a record that an earlier scheduler wrote after the hold. In these cases the
+/// result is true. In all other cases a release is uncertain, and the result is false.
+/// `schedulerStart` is the start of the present scheduler, empty if unknown. All times are
+/// milliseconds since 1970.
 bool isReleased(std::int64_t told, std::optional<std::int64_t> schedulerStart,
                 const std::filesystem::path& controlFile);
 

@@ -11,10 +11,10 @@
 namespace quordalvane::cups {
 namespace {
 
-// A message is a command, a status, the length of its data in two bytes, and the data. The print
-// system's library has functions for messages, but that library loads two dozen others. A back end
-// that is killed while it loads libraries has not started its witness process yet, so its end would
-// not be noticed.
+// A message is a command, a status, the length of its data in two bytes, and the data. The
+// functions for messages in the print system's library are not used here, because that library
+// loads two dozen others. While a back end loads libraries, it has not yet started its witness
+// process (see Witness.h). If the back end is killed during this time, nobody notices.
 constexpr std::size_t headSize = 4;
 constexpr std::size_t longestData = 65535;
 

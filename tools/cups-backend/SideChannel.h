@@ -26,7 +26,8 @@ class SideChannel {
   /// Returns true while a filter waits until all data is printed.
   bool isAnswerOwed() const { return isDrainOwed_; }
 
-  /// Answers the waiting filter, if all data is printed or never will be.
+  /// Answers the waiting filter if the printer has confirmed all data, or if it is certain that the
+  /// printer will not confirm the data. Otherwise does nothing.
   void answerOwed();
 
  private:

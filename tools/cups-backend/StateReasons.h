@@ -19,7 +19,7 @@ inline const StateReasons unconfirmedJob = {"quor-unconfirmed-warning"};
 /// Returns the keywords for the conditions that `status` reports.
 StateReasons reasonsIn(const QuorPrinterStatus_2& status);
 
-/// Returns all keywords that this back end can set, in this process or in an earlier one.
+/// Returns all keywords that this back end can ever set.
 const StateReasons& everyReason();
 
 }  // namespace quordalvane::cups

@@ -17,8 +17,9 @@ int orThrow(int result) {
   return result;
 }
 
-// Closes all descriptors except the pipe and standard error. A program that waits for the end of
-// another descriptor must not wait for this process.
+// Closes all descriptors except the pipe and standard error. If this process kept any other
+// descriptor open, a program that waits until the descriptor is closed would have to wait for this
+// process.
 void keepOnly(int pipe) {
   ::dup2(pipe, STDIN_FILENO);
   ::close(STDOUT_FILENO);

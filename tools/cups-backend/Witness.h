@@ -16,12 +16,14 @@ namespace quordalvane::cups {
 /// signal to these does not reach it.
 class Witness {
  public:
-  /// Starts the witness, which calls `stopQueue` if all processes end without `dismiss`. Throws
-  /// `std::system_error` if the system cannot start a process.
+  /// Starts the witness. The witness calls `stopQueue` if this process and its children have all
+  /// ended, and none of them has called `dismiss`. Throws `std::system_error` if the system cannot
+  /// start a process.
   explicit Witness(const std::function<void()>& stopQueue);
 
-  /// Ends the witness's duty, because the job is on paper or this process is about to end with the
-  /// correct exit code. Any forked process may call this. Never fails.
+  /// From now on, the witness does not stop the queue, however the processes end. To be called when
+  /// the job is on paper, or before this process ends with the correct exit code. A child of this
+  /// process may call this function. Never fails.
   void dismiss() const;
 
  private:
