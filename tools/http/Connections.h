@@ -19,8 +19,8 @@ class Connections {
  public:
   using Time = std::chrono::nanoseconds;
 
-  /// Adds a new connection. If there are too many connections, cuts off the one that has been in
-  /// its phase longest.
+  /// Adds a new connection. If there are too many connections, cuts off the one whose current phase
+  /// began first; a connection in the phase `Reading` is never chosen.
   Connection& add(int descriptor, Time now);
   void remove(const Connection& connection);
 

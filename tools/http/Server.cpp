@@ -306,8 +306,9 @@ class Server::Machine {
     }
   }
 
-  // Cuts off the readers that were too slow. This check cannot be made when the library asks for a
-  // reader's next bytes, because the library never asks for a reader that takes no bytes.
+  // Cuts off the readers that were too slow or have left. The function that supplies a reader's
+  // next bytes cannot check this, because the library does not call it while the reader takes no
+  // bytes.
   void cutOffLostReaders() {
     for (const Reader& reader : readers_) {
       Connection& its = *connectionOf(reader.connection);
