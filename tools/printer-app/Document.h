@@ -33,8 +33,8 @@ class Document {
   /// Reserves memory for this count of bytes, so that a long page is not copied several times.
   void reserve(std::size_t bytes);
 
-  /// Returns a function that appends its bytes to the document. The document must outlive the
-  /// function.
+  /// Returns a function that appends the bytes of its argument to the document. The document must
+  /// outlive the function.
   render::Output output();
 
   void endPage();
