@@ -1,6 +1,7 @@
-"""A process that prints under a name is killed at each of its system calls; then it is started again.
+"""A process that prints a named job is killed at a system call, and is then started again with the same job.
 
-QUOR_KILL_POINTS is the number of calls that are tried for each printer, evenly spread; "all" tries each call.
+QUOR_KILL_POINTS is the number of system calls that are tried for each printer. They are evenly spread over all calls;
+"all" tries each call.
 """
 
 import os
