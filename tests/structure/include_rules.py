@@ -63,7 +63,7 @@ RULES = (
     Rule("backends/Schemes*", ("platform", "backends", PUBLIC), STANDARD, NO_CLOCK),
     Rule("backends/virtual", ("platform", "backends/*", "simulator"), STANDARD | {"csignal"}, NO_CLOCK),
     Rule("backends/posix", ("platform", "text", "backends/*", PUBLIC), EVERY_SYSTEM_HEADER),
-    # The Bluetooth service makes the connection; a link of backends/posix takes over its descriptor.
+    # The Bluetooth service makes the connection; a link of backends/posix takes over the connection's descriptor.
     Rule("backends/bluez", ("platform", "backends", PUBLIC), EVERY_SYSTEM_HEADER),
     Rule("backends/bluez/BluetoothScheme.h", (PUBLIC,), set()),
     # On the handheld device, the system has the frameworks' headers. For other systems, a sub-folder has headers of the
