@@ -24,8 +24,8 @@ struct Piece {
 using Reply = std::vector<Piece>;
 
 /// All actions of a link, given in advance: the same script gives the same run. Times are seconds
-/// after the start of the operation under test. Apart from these actions everything works: every
-/// byte is taken at once, and the link remains.
+/// after the start of the operation under test. Without such an action, the link takes
+/// each byte immediately and is not lost.
 struct Script {
   struct Answer {
     Bytes request;
@@ -44,7 +44,7 @@ struct Script {
   Expects expects = Expects::Always;
 
   // -- Output -------------------------------------------------------------------------------------
-  std::vector<std::size_t> attempts;  // bytes that each `write:` sends; further calls send all
+  std::vector<std::size_t> attempts;  // bytes that each `write:` sends; later calls send all
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
   std::map<std::size_t, std::int64_t> writeResults;  // key: the number of the write, from 1
