@@ -53,7 +53,7 @@ void LivePaper::show(http::Text event, unsigned rows, unsigned length) {
   rows_.push_back(rows);
   rowsKept_ += rows;
   length_ = length;
-  while (rowsKept_ - rows_.front() >= mostRows) {
+  while (rowsKept_ - rows_.front() >= leastRows) {
     rowsKept_ -= rows_.front();
     rows_.pop_front();
     events_.pop_front();

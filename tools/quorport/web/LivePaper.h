@@ -15,7 +15,7 @@ class LivePaper {
  public:
   /// When a browser opens the page, it gets at least this many of the latest rows, or all rows if
   /// there are fewer.
-  static constexpr unsigned mostRows = 16'000;
+  static constexpr unsigned leastRows = 16'000;
 
   /// Returns what was printed since the last call. The caller must set `printer`, `printed` and
   /// `isTornOff` in the result.
