@@ -29,7 +29,7 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
   const auto inData = inOrderRequestsIn(data);
   if (!isSure_ || (inData && answers().inOrderCount() > asked_ + *inData)) {
     return Setback{PrintObstacle::NoProof,
-                   "before the job, the printer answered a question more than once or not at all"};
+                   "not every question to the printer had exactly one answer"};
   }
   if (!inData) {
     return Setback{PrintObstacle::NoProof,
