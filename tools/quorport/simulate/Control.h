@@ -42,7 +42,8 @@ class Control {
                                       std::optional<std::size_t> only)>;
   void listen(Listener listener) { listener_ = std::move(listener); }
 
-  /// Returns the answer to a `get` line about the printer with this number, from 0.
+  /// Returns the answer to a `get` line about the printer with this number. The first printer has
+  /// the number 0.
   Json get(const std::string& what, std::size_t printer) const;
 
   /// Returns true if a line has asked the program to end.

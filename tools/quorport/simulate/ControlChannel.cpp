@@ -100,7 +100,7 @@ void ControlChannel::writeAnswers() {
   if (count > 0) {
     answers_.erase(0, static_cast<std::size_t>(count));
   } else if (errno != EAGAIN && errno != EINTR) {
-    inputEnded_ = true;  // a client that does not read the answers has left
+    inputEnded_ = true;  // the client takes no more answers, so it counts as gone
     answers_.clear();
   }
 }

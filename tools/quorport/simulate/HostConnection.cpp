@@ -18,8 +18,9 @@ constexpr std::size_t reserve = 64;
 
 constexpr std::size_t pieceSize = 4096;
 
-// The most bytes that are read ahead. The system buffers fewer bytes for one connection, so this
-// class always notices that a host has left.
+// The largest number of bytes that are read ahead. The unread bytes of a host that has left are in
+// the system's buffer, which is smaller than this limit. So this class can read all of them and
+// then notices that the host has left.
 constexpr std::size_t mostReadAhead = std::size_t{16} << 20U;
 
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;
@@ -153,10 +154,10 @@ void HostConnection::giveToHost(Instant now) {
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
-    // The connection ends only at the next call of `work`. On a terminal, the next host is
-    // connected immediately, and its link may be reset as well. If each of these connections ended
-    // in this call, the caller would accept hosts for ever, and the other printers would never be
-    // served.
+    // The connection ends only at the next call of `work`. A terminal connects the next host
+    // immediately, and the link of that host may be reset as well. If a reset ended the connection
+    // before `work` returned, the caller might accept hosts for ever, and never serve the other
+    // printers.
     lastSettling_ = now;
   } else if (link_.dropped(now)) {
     line_->endOutput();

@@ -13,10 +13,11 @@
 
 namespace quordalvane::tool {
 
-/// Carries bytes between the line, a connection to a host, and the printer's link. It reads from
-/// the line only as many bytes as the printer has space for, so that a slow printer slows its host
-/// down. It also reads a few more bytes, because even a full printer must see requests. If the host
-/// leaves, the printer still gets the host's last bytes when it has space for them.
+/// Carries bytes between a host and the printer's link. The connection to the host is called the
+/// line. This class reads from the line only as many bytes as the printer has space for, so that a
+/// slow printer slows its host down. It also reads a few more bytes, because even a full printer
+/// must see requests. If the host leaves, the printer still gets the host's last bytes when it has
+/// space for them.
 class HostConnection {
  public:
   /// The link must outlive this object.
@@ -34,7 +35,8 @@ class HostConnection {
 
   bool isOver() const { return over_; }
 
-  /// Returns true if no byte is under way in either direction. Only then may `release` be called.
+  /// Returns true if this object holds no bytes for either side, and the printer has not ended the
+  /// connection. Only in this case may `release` be called.
   bool isIdle() const { return incoming_.empty() && outgoing_.empty() && !wasDropped(); }
 
   /// Gives the line to the caller. Afterwards this object must not be used.
@@ -75,7 +77,7 @@ class HostConnection {
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;
-  // The time at which the connection ends at the latest, after the printer has dropped the link.
+  // The latest time at which the connection ends. Set when the printer drops the link.
   std::optional<simulator::Instant> lastSettling_;
 };
 

@@ -28,7 +28,7 @@ class Links {
 
   /// Adds faults to the current link and to all later ones; sets the seed if `faults` contains one.
   /// The fault `cut` affects only one link: the current one, or the next one if there is none. A
-  /// fault or setting that `at` delays takes effect at its time, with or without a link.
+  /// fault or setting that is delayed by `at` takes effect on time, even if there is no link.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
   /// Removes all faults, even delayed ones. The seed is kept.
@@ -45,7 +45,7 @@ class Links {
   std::optional<simulator::Instant> nextEvent() const;
 
  private:
-  struct Coming {  // a fault or setting that `at` delays
+  struct Coming {  // a fault or setting that is delayed by `at`
     simulator::Instant due;
     simulator::Fault fault;
   };

@@ -27,8 +27,9 @@ class Listener {
   virtual std::unique_ptr<Line> accept() = 0;
 
   /// To be called after the last accepted connection has ended and its Line is destroyed. `dropped`
-  /// means that the printer ended the connection. In this case the address may change, so that the
-  /// host notices the end. Throws std::system_error if the address cannot be opened again.
+  /// means that the printer ended the connection. In this case, this function may replace the
+  /// address by a new one. The host notices the end of the connection because the old address has
+  /// disappeared. Throws std::system_error if the address cannot be opened again.
   virtual void resume(bool dropped) = 0;
 };
 

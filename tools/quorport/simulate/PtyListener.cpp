@@ -66,8 +66,8 @@ class PtyLine : public Line {
  private:
   const std::string path_;
 
-  // The other side of the terminal. This process keeps that side open until a host opens it.
-  // Otherwise the system would report the end of the terminal.
+  // The hosts' side of the terminal. This process keeps that side open until a host sends data.
+  // Otherwise the system would report the terminal as closed.
   std::optional<Descriptor> held_;
 
   int emptyLooks_ = 0;

@@ -7,11 +7,11 @@
 
 namespace quordalvane::tool {
 
-/// A pseudo-terminal, whose other side hosts open like a serial line.
+/// A pseudo-terminal. Hosts open the terminal's other side as if it were a serial line.
 ///
 /// This side does not see when the other side is opened, so there is always a connection. A
 /// connection ends when the terminal is closed by all hosts and at least one of them has sent data;
-/// the next connection begins at once. A host notices a dropped link only if its terminal
+/// the next connection begins immediately. A host notices a dropped link only if its terminal
 /// disappears. If the printer drops the link, the terminal is therefore removed, and a new one with
 /// another name is created.
 class PtyListener : public Listener {
