@@ -29,7 +29,7 @@ class LivePaper {
   void giveUp() { isLost_ = true; }
   bool isLost() const { return isLost_; }
 
-  /// Keeps an event that shows `rows` rows, of which the last is at `length`.
+  /// Keeps an event that shows `rows` rows. `length` is the length of the paper so far, in dots.
   void show(http::Text event, unsigned rows, unsigned length);
 
   /// Forgets all kept events: the paper was removed.

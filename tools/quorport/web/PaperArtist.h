@@ -16,8 +16,8 @@ namespace quordalvane::tool {
 /// Draws the printers' papers while they grow, on a thread of its own.
 class PaperArtist {
  public:
-  /// New output of one printer. While outputs wait for the thread, consecutive outputs of the same
-  /// paper are merged into one.
+  /// New output of one printer. Consecutive outputs of the same paper that still wait to be drawn
+  /// are merged into one.
   struct Print {
     std::size_t printer = 0;
     std::vector<simulator::PaperItem> items;
