@@ -28,9 +28,9 @@ class Interruption {
  public:
   using GiveUp = std::function<void(const Report& report)>;
 
-  /// `giveUp` must deliver its argument, the report, and end the process. `giveUp` is called only
-  /// while nothing is open that must be closed. `giveUp` is necessary because an attempt to
-  /// connect, or a read from a pipe, cannot be interrupted.
+  /// `giveUp` must deliver the report that it receives, and then end the process. `giveUp` is
+  /// called only while nothing is open that must be closed. `giveUp` is necessary because an
+  /// attempt to connect, or a read from a pipe, cannot be interrupted.
   ///
   /// `report` is used if a stop request ends the command before `setReport` is called.
   Interruption(Report report, GiveUp giveUp);

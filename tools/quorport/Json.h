@@ -6,12 +6,12 @@
 
 namespace quordalvane::tool {
 
-/// An object whose keys keep their order. Only sources that look into an object include the
-/// library's own header, which is long.
+/// A JSON object whose keys keep their order. The header of the JSON library is long, so it is
+/// included only by sources that read or write the contents of an object.
 using Json = nlohmann::ordered_json;
 
-/// Holds a JSON object, so that other headers need not include the library's header. After a move
-/// it may only be assigned to or destroyed.
+/// Holds a JSON object, so that other headers need not include the header of the JSON library. An
+/// object that was moved from may only be assigned to or destroyed.
 class JsonObject {
  public:
   JsonObject();  ///< an object without keys

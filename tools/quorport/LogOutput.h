@@ -11,8 +11,8 @@
 
 namespace quordalvane::tool {
 
-/// Sends the diagnostic records to a sink during its lifetime. Several recordings may exist at
-/// once; the levels of the newest one apply to all of them.
+/// While this object exists, sends the diagnostic records to a sink. If several such objects exist,
+/// the levels of the newest one apply to all of them.
 class Recording {
  public:
   Recording(std::shared_ptr<LogSink> sink, const std::set<std::int32_t>& levels);
@@ -27,7 +27,7 @@ class Recording {
   const bool wasLogging_;
 };
 
-/// Stops the diagnostic records during its lifetime.
+/// While this object exists, no diagnostic records are written.
 class Unrecorded {
  public:
   Unrecorded();
@@ -39,7 +39,8 @@ class Unrecorded {
   const bool wasLogging_;
 };
 
-/// Writes the diagnostic records of a command during its lifetime, if the options ask for them.
+/// While this object exists, writes the diagnostic records of a command, if the options ask for
+/// them.
 class LogOutput {
  public:
   /// Throws a CommandFailure with ExitCode::Usage if the file cannot be opened.

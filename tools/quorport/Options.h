@@ -18,9 +18,9 @@ struct StatusOptions {
 };
 
 struct PrintOptions {
-  std::string file;                         ///< a path; "-" is standard input
-  std::optional<ProofKind> proof;           ///< empty: the key `proof` of the device text decides
-  std::optional<std::uint32_t> endTimeout;  ///< milliseconds
+  std::string file;                               ///< a path; "-" is standard input
+  std::optional<ProofKind> proof;                 ///< if empty, the device's key `proof` decides
+  std::optional<std::uint32_t> endTimeout;        ///< milliseconds
   std::optional<std::uint32_t> holdPrintTimeout;  ///< milliseconds
   std::optional<std::string> receipt;             ///< the path of the receipt file
   std::optional<std::string> job;                 ///< the job's name

@@ -31,7 +31,7 @@ std::shared_ptr<EAAccessory> chosenAccessory(const InterruptiblePlatform& platfo
 /// accessories.
 CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options& options);
 
-/// The port of a command, open during the lifetime of this object.
+/// The port that a command uses to reach its printer. The port is open while this object exists.
 class Printer {
  public:
   /// Opens the port. Throws a CommandFailure with ExitCode::NoAccessory and the reason if this

@@ -9,9 +9,9 @@ class Option;
 
 namespace quordalvane::tool {
 
-/// Adds the options for the kind of a file and for the commands printed around it; works like the
-/// functions of OptionGrammar.h. `file` is the option that names the file; a test page needs no
-/// file.
+/// Adds the options for printing a file: its kind, the width of the paper, the paper cut and the
+/// cash drawer. Works like the functions of OptionGrammar.h. `file` is the option that names the
+/// file; if a test page is printed, this option is not required.
 void addRenderOptions(CLI::App& app, RenderOptions& options, CLI::Option& file);
 
 }  // namespace quordalvane::tool

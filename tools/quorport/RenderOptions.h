@@ -6,7 +6,8 @@
 
 namespace quordalvane::tool {
 
-/// The kind of a file, and the commands printed around it.
+/// How a file is printed: its kind, the paper, and the commands that are sent before and after the
+/// file.
 struct RenderOptions {
   enum class Content { Bytes, Text, Picture, TestPage };
 

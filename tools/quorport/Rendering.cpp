@@ -21,8 +21,8 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Content = RenderOptions::Content;
 
-// The largest job in bytes, as for jobs that are not rendered. The size is checked again here
-// because a text grows when it is drawn.
+// The size of the largest job in bytes. Files that are sent unchanged have the same limit. The size
+// of a drawn job is checked here, because a text grows when it is drawn.
 constexpr std::size_t largestJob = std::size_t{256} << 20U;
 constexpr std::size_t mostNamed = 8;
 

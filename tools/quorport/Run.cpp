@@ -119,10 +119,10 @@ Answer answerTo(const std::vector<std::string>& arguments, const Streams& stream
   return {refusal(kind, code, error, jobNamedIn(arguments)), askForJson(arguments), kind};
 }
 
-// Returns the exit status of a command that succeeded, but whose result could not be written. In
-// this case a query counts as failed, and a print job counts as unconfirmed, because the user has
-// not seen that the job was printed, and must not simply print it again. If standard output was
-// closed from the start, nobody wanted the result, and the job counts as printed.
+// Returns the exit status of a command that succeeded, but whose result could not be written. A
+// query counts as failed. A print job counts as unconfirmed: the user has not seen that the job was
+// printed, and must check the paper before printing it again. But if standard output was closed
+// from the start, nobody wanted the result, and the print job counts as printed.
 ExitCode codeOfLostResult(CommandKind kind, const std::error_code& error) {
   if (kind != CommandKind::Printing) {
     return ExitCode::ExchangeFailed;

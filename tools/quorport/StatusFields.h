@@ -17,7 +17,7 @@ Json jsonOf(const QuorPrinterStatus_2& status);
 /// printer can print, and if not, why.
 std::vector<std::string> remarks(const QuorPrinterStatus_2& status);
 
-/// Returns the remarks as lines of text.
+/// Returns the result of `remarks` as lines of text.
 std::string describe(const QuorPrinterStatus_2& status);
 
 /// Returns every field of the record as a line of text.

@@ -87,7 +87,7 @@ class Examination {
   }
 
  private:
-  // Returns the device with the given settings, and then with each other possible setting.
+  // Returns the settings with which the device is asked, beginning with the given settings.
   std::vector<SchemeVariant> variants() const {
     if (scheme_.variants != nullptr) {
       return scheme_.variants(spec_);
