@@ -34,7 +34,7 @@ class BluetoothModule {
   /// Returns the next time at which the module acts without a call; empty if there is no such time.
   std::optional<Instant> nextEvent() const;
 
-  /// Passes all held bytes to the printer, because the host has left.
+  /// Passes all held bytes to the printer. To be called when the host has left.
   void release(Instant now);
 
   bool inCommandMode() const { return commandMode_; }

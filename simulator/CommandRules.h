@@ -50,7 +50,7 @@ std::uint64_t bitmapFile(ByteView bytes);
 std::uint64_t cheque(ByteView bytes);
 
 /// The command 1b 5a contains the version, the error correction, the size, and the count of the
-/// data.
+/// data bytes.
 std::uint64_t countedSymbol(ByteView bytes);
 
 /// The command 1c 67 is followed by data if its function is 1.

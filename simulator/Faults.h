@@ -61,8 +61,8 @@ struct FaultPart {
   bool isOptional = false;  ///< may be omitted, together with `before`
 };
 
-/// The name of a fault and the form of its value. The value consists of the parts, in order;
-/// without parts it is `true`.
+/// The name of a fault and the form of its value. The value consists of the parts, in order. If
+/// there are no parts, the value is `true`.
 struct FaultForm {
   std::string_view name;
   std::string_view takes;  ///< the form of the value, in words
@@ -73,7 +73,7 @@ struct FaultForm {
 /// Returns the forms of all faults.
 std::vector<FaultForm> faultForms();
 
-/// Returns the words that a part accepts; empty if it is a number or any text.
+/// Returns the words that a part accepts; empty if the part is a number or any text.
 std::vector<std::string_view> choicesOf(FaultPart::Kind kind);
 
 /// Returns true if there is a fault of this name.

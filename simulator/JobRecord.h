@@ -22,7 +22,7 @@ class JobRecord {
   struct Unknown {
     std::uint64_t offset;  ///< where the command begins in the job
     Bytes bytes;           ///< the first bytes of the command
-    std::string name;      ///< a name like "GS y"; "cut off" for an incomplete one
+    std::string name;      ///< a name like "GS y"; "cut off" for an incomplete command
   };
 
   enum class EventKind : std::uint8_t { Cut, Drawer, Beep, Display, Question, Replaced };

@@ -97,8 +97,8 @@ class PrinterState {
   /// - `buffer`: bytes
   /// - `flow`: `none` or `xonxoff`
   /// - `presenterState`, `connectedInterface`: their codes
-  /// - `paper`: 58 or 80 mm; the paper in the printer keeps its width
-  /// - `modelId`, `typeId`: numbers to 255
+  /// - `paper`: 58 or 80 mm; paper that is already in the printer keeps its width
+  /// - `modelId`, `typeId`: numbers from 0 to 255
   /// - `proofs`: see `Proofs::parse`
   /// - `lacks`: see `LackedCommands::parse`
   /// - `codePages`, `multiByte`: see `CharacterSets`

@@ -13,8 +13,8 @@ namespace quordalvane::simulator {
 Bytes statusBlock(const PrinterState& state);
 
 /// Returns the byte that answers a real-time status request 10 04 `query` (hex): 1 asks about the
-/// printer, 2 about the cause of being off line, 3 about the error, and 4 about the paper. A query
-/// for a device that the printer does not have reports nothing unusual.
+/// printer, 2 about the cause of being off line, 3 about the error, and 4 about the paper. If the
+/// query is about a device that the printer does not have, the answer reports nothing unusual.
 Bytes realTimeStatus(const PrinterState& state, std::uint8_t query);
 
 /// Returns the firmware reply of line mode: the text between the bytes 1b 23 2a and 0a 00.

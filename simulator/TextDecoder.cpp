@@ -77,7 +77,7 @@ DecodedText TextDecoder::putMultiByte(std::uint8_t byte) {
   if (length > bytes.size()) {
     return {};
   }
-  if (length == 0) {  // these bytes form no character, but one may begin with the last byte
+  if (length == 0) {  // these bytes form no character, but the last byte may begin one
     run_.pop_back();
     DecodedText text = finish();
     const DecodedText next = put(byte);

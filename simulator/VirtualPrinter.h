@@ -63,10 +63,10 @@ class VirtualPrinter {
   /// Ends the current line, and removes and returns the paper. `printed` becomes empty.
   Paper tearOff();
 
-  /// Makes each connection a job. When all its data have been printed or dropped, the paper is torn
-  /// off and passed to `keep`, unless the job was empty or contained only questions. A paper that
-  /// exceeds its limits (`Paper::isTooLong`) is torn off and passed on earlier. If `keepJobs` has
-  /// not been called, a paper that exceeds its limits is lost.
+  /// Makes each connection a job. When all data of the job have been printed or dropped, the paper
+  /// is torn off and passed to `keep`, unless the job was empty or contained only questions. A
+  /// paper that exceeds its limits (`Paper::isTooLong`) is torn off and passed on earlier. If
+  /// `keepJobs` has not been called, a paper that exceeds its limits is lost.
   using JobKeeper = std::function<void(Paper)>;
   void keepJobs(JobKeeper keep) { keepJob_ = std::move(keep); }
 
