@@ -36,7 +36,8 @@ class Proof(Enum):
 
     #: The printer is not asked for a confirmation, so the best outcome of a job is UNCONFIRMED.
     NONE = "none"
-    #: The key `proof=` of the device decides. If it is missing, the printer is asked before the job.
+    #: The key `proof=` of the device decides. If this key is missing, the printer is asked before the job how it can
+    #: confirm.
     AUTO = "auto"
     #: Two marks enclose the data. The printer counts these marks.
     BLOCK = "block"
@@ -83,7 +84,7 @@ class PrintResult:
 
     outcome: Outcome
     obstacle: Obstacle
-    #: The proof that was used. NONE if the printer has none, AUTO if the printer was not asked yet.
+    #: The proof that was used. NONE if there was no proof, AUTO if the printer was not asked yet.
     proof: Proof
     #: Why the job was not printed, for people; "" if it was printed.
     reason: str
