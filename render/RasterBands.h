@@ -29,8 +29,8 @@ class RasterBands {
   /// White rows are kept back until a row with a black dot follows them, or until `flush`.
   void add(ByteView dots);
 
-  /// Sends all rows so far, including white rows at the end. To be called if something else follows
-  /// on the paper.
+  /// Sends all rows so far, including white rows at the end. To be called before anything other
+  /// than a row is printed.
   void flush();
 
   /// Sends the remaining rows, except white rows at the end.
