@@ -25,7 +25,7 @@ def of_receipt(file: Path) -> Picture:
 
 
 def of_grey_map(data: bytes) -> Picture:
-    """The raw form of a portable grey map."""
+    """A portable grey map in its raw (binary) form."""
     head = re.match(rb"P5\s+(?:#.*\s+)?(\d+)\s+(\d+)\s+255\s", data)
     width, height = int(head[1]), int(head[2])
     ink = bytes(grey < DARK for grey in range(256))
