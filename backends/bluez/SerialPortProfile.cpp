@@ -18,8 +18,8 @@ constexpr auto ownPath = "/com/quordalvane/serialport";
 constexpr auto profileInterface = "org.bluez.Profile1";
 constexpr auto rejected = "org.bluez.Error.Rejected";
 
-// The pause between attempts to register the profile. Another program holds the profile only while
-// it connects.
+// The pause between attempts to register the profile. Another program keeps the profile only until
+// it is connected to its printer.
 constexpr auto retryInterval = 50ms;
 
 Method ofManager(const std::string& name) {
