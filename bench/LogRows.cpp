@@ -139,8 +139,8 @@ class TheirLogger {
   std::shared_ptr<spdlog::async_logger> logger_;
 };
 
-/// A load: `bursts` bursts of `size` records at once. A burst begins when `every` has passed since
-/// the previous one began.
+/// A load of `bursts` bursts. A burst is `size` records without a pause. A burst begins when
+/// `every` has passed since the previous burst began.
 struct Load {
   const char* name;
   int bursts;

@@ -46,7 +46,8 @@ struct Counters {
 
   const std::unique_ptr<Endpoint> endpoint;
   const std::unique_ptr<Endpoint> bareEndpoint;
-  // The printers are joined last, because a printer runs until its other side has ended.
+  // The printers are destroyed after `port` and `bare`, because the destructor of a printer waits
+  // until its other side has closed the connection.
   std::unique_ptr<ReceiptPrinter> printer;
   std::unique_ptr<ReceiptPrinter> barePrinter;
   OpenPort port;

@@ -18,8 +18,8 @@ struct Group {
   Rows (*measure)();
 };
 
-// The groups that measure memory are first, because other groups leave freed memory, which would be
-// used again.
+// The groups that measure memory are first. Otherwise they would use the freed memory of earlier
+// groups again, and measure too little.
 constexpr std::array groups = {
     Group{"B9", idlePorts},
     Group{"B21", longPage},
@@ -89,9 +89,9 @@ void report(const Options& options, const Rows& rows) {
 }
 
 /// Raises the priority of this process, because other work on the machine would lengthen the
-/// longest of a thousand calls. The other figures do not need this: they compare the library with
-/// direct system calls, and other work affects both alike. The system may refuse a higher priority
-/// to an ordinary user.
+/// longest of a thousand calls. The other figures do not need this: each of them compares the
+/// library with a limit, and other work affects both measurements alike. The system may refuse a
+/// higher priority to an ordinary user.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }
