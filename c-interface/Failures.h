@@ -53,14 +53,15 @@ auto answered(Body body) noexcept -> decltype(body()) {
   }
 }
 
-/// Throws QUOR_FAILED with `text` unless `done` is true.
+/// Throws a CallFailure with the code QUOR_FAILED and with `text`, unless `done` is true.
 inline void succeed(bool done, const char* text) {
   if (!done) {
     throw CallFailure(QUOR_FAILED, text);
   }
 }
 
-/// Returns the object that the pointer points to. Throws QUOR_USAGE if the pointer is null.
+/// Returns the object that the pointer points to. Throws a CallFailure with the code QUOR_USAGE if
+/// the pointer is null.
 template <typename Pointer>
 auto& given(Pointer* pointer, const char* name) {
   if (pointer == nullptr) {
