@@ -186,8 +186,9 @@ bool ExternalAccessoryPort::disconnectBluetoothConnection() {
   WholeSecondsWait wait(platform_->clock(), timeout_);
   while (true) {
     platform_->currentRunLoop().runUntilDate(0.1);
-    // The module may send bytes before it drops the link. Nobody reads these bytes, and without
-    // this call `isConnected` would return true until somebody reads them.
+    // The module may send bytes before it drops the link. Nobody reads these bytes, and
+    // `isConnected` returns true while there are unread bytes. So this call drops them when the
+    // link has ended.
     if (const auto accessory = _selectedAccessory.get()) {
       accessory->noticeLoss();
     }

@@ -262,10 +262,10 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// the module replies with OK and `settingTitle` is null, returns "\r\nOK\r\n". If it replies
   /// with OK and there is a title, returns the title and the `settingLength` characters after it; a
   /// length of 0 means all characters after the title. Returns null if the link is lost, or if no
-  /// result arrived within `timeoutMillis`, which is rounded down to whole seconds, at least one. A
-  /// result line that arrives in two reads is not recognised. Throws std::out_of_range if an OK
-  /// reply does not contain the title and `settingLength` characters after it, or if
-  /// `settingLength` is negative.
+  /// result arrived within `timeoutMillis`. This time is rounded down to whole seconds; less than
+  /// one second counts as one. A result line that arrives in two reads is not recognised. Throws
+  /// std::out_of_range if an OK reply does not contain the title and `settingLength` characters
+  /// after it, or if `settingLength` is negative.
   std::optional<std::string> getPrinterResponseWithSettingTitle(
       std::optional<std::string> settingTitle, std::int32_t settingLength,
       std::int32_t timeoutMillis);
@@ -349,7 +349,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   void setResult71(std::optional<bool> result) { _result71.set(result); }
   /// @}
 
-  /// The pause between attempts of the retrying writer, in seconds.
+  /// The pause between two attempts of `writeWithRetry`, in seconds. Other operations use the same
+  /// pause.
   float secInterval1() const { return _secInterval1; }
 
   /// The time that `write` waits for space, and the pause before a close, in seconds.

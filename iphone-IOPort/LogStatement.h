@@ -143,8 +143,8 @@ constexpr LogConversion longConversionOf(char letter) {
 }
 
 /// Removes the beginning of `format`, up to and including its next conversion, and returns this
-/// beginning. The conversion is `None` if no per cent sign is left, or if the letters after it are
-/// not a conversion.
+/// beginning. The conversion is `None` if no per cent sign is left, or if the letters after the
+/// sign are not a conversion.
 constexpr LogFormatPiece takePiece(std::string_view& format) {
   const std::size_t sign = format.find('%');
   if (sign == std::string_view::npos) {
