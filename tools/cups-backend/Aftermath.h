@@ -8,9 +8,9 @@
 
 namespace quordalvane::cups {
 
-/// Decides about a job whose worker (the process that prints it) ended without a decision; the
-/// journal shows which blocks are on paper. Holds the job for a person, unless the whole job is on
-/// paper or the scheduler has canceled the job.
+/// Returns the exit code of a job whose worker, the process that printed the job, ended too early.
+/// The journal shows which blocks of the job are on paper. The job is held for a person, unless the
+/// whole job is on paper or the scheduler has canceled the job.
 ExitCode judgeBrokenOff(const BackEndJob& job, const DeviceUri& uri, const BrokenOff& end,
                         StatusLines& lines);
 

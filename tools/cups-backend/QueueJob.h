@@ -37,7 +37,7 @@ class QueueJob {
   QueueJob(const BackEndJob& job, const DeviceUri& uri, const Surroundings& surroundings);
 
   /// Prints `copy` as often as the job demands. Calls `onConfirmed` when the printer has confirmed
-  /// all copies. Blocks until the job is decided.
+  /// all copies. Returns only after the job has an outcome.
   ExitCode print(const std::vector<std::uint8_t>& copy, const std::function<void()>& onConfirmed);
 
   const QueuePrinter& printer() const { return printer_; }

@@ -16,7 +16,8 @@ class StatusLines {
   /// A reason from an earlier back end remains until `setReasons` is called for the first time.
   explicit StatusLines(std::string_view standing, int descriptor = 2);
 
-  /// Shows `text` as the one line beside the queue. Does nothing if that text is there already.
+  /// Shows `text` beside the queue, in place of the text shown before. Does nothing if `text` is
+  /// shown already.
   void inform(const std::string& text);
 
   /// Writes an error, shown beside the queue and in the scheduler's log.
@@ -31,7 +32,7 @@ class StatusLines {
   /// Sets these reasons for the printer, and removes all others that this back end can set.
   void setReasons(const StateReasons& reasons);
 
-  /// Stops the queue, which keeps its jobs. Must be the last line.
+  /// Stops the queue, which keeps its jobs. Nothing may be written after this call.
   void stopQueue();
 
  private:

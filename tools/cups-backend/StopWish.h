@@ -20,15 +20,15 @@ class StopWish {
   /// process.
   void cancel();
 
-  /// Ends the process, because nobody reads the reports any more. If a block is being printed, the
-  /// process ends after this block; otherwise it ends immediately.
+  /// To be called if nobody reads the reports any more. If a block is being printed, the process
+  /// ends after this block; otherwise it ends immediately.
   void leaveWhenIdle();
 
   /// Marks `job` as being printed. `job` must live until `endJob`.
   void beginJob(PrintJob& job);
 
-  /// Marks the job as ended. The caller must have recorded the outcome of the job in the journal
-  /// before.
+  /// Marks the job as ended. Before this call, the caller must record the outcome of the job in the
+  /// journal.
   void endJob();
 
  private:

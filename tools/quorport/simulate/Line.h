@@ -27,9 +27,9 @@ class Line {
   /// Sends the host an end of data, if this kind of line can do so.
   virtual void endOutput() = 0;
 
-  /// To be called after `endOutput`, every few milliseconds. Returns true once the host has read
-  /// everything, so that closing the line loses nothing. Discards later bytes of the host. Does not
-  /// wait.
+  /// To be called after `endOutput`, every few milliseconds. Returns true after the host has read
+  /// everything: the line can then be closed, and no byte is lost. Discards later bytes of the
+  /// host. Does not wait.
   virtual bool hasSettled() = 0;
 
   /// Makes the line end by a reset when it is closed, if this kind of line can do so.
