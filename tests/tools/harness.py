@@ -38,7 +38,7 @@ class Result:
         self.code, self.out, self.err, self.seconds = code, out.decode(), err.decode(), seconds
 
     def json(self):
-        """The one object that standard output holds."""
+        """Returns the JSON object on standard output, which contains nothing else."""
         lines = self.out.splitlines()
         assert len(lines) == 1, self
         return json.loads(lines[0])
@@ -93,7 +93,7 @@ def place_of(bound: socket.socket) -> str:
 
 
 def receive(source: socket.socket, count: int) -> bytes:
-    """Returns `count` bytes, or fewer if the other side ends."""
+    """Returns `count` bytes, or fewer if the other side ends the connection first."""
     taken = b""
     while len(taken) < count and (more := source.recv(count - len(taken))):
         taken += more
@@ -151,7 +151,7 @@ class Case(unittest.TestCase):
         self.assertEqual(result.json(), answer | {"device": device})
 
     def assertFailsInBothForms(self, code: int, *arguments: str, saying: str = "") -> Result:
-        """Asserts that the error is on standard error, and with --json also in an object."""
+        """Asserts that the command reports its error on standard error, and with --json in a JSON object."""
         plain = run(*arguments)
         self.assertExit(code, plain)
         self.assertEqual(plain.out, "", plain)
@@ -195,7 +195,7 @@ class Running:
 
 
 class Simulator(Running):
-    """`quorport simulate`, with its standard streams for control."""
+    """`quorport simulate`, which the test controls over the standard streams."""
 
     def __init__(self, listen: str, *arguments: str, **options):
         self.err = tempfile.TemporaryFile()

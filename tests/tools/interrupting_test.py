@@ -107,8 +107,8 @@ class Signals(Case):
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
 
     def test_a_signal_ends_a_query_whose_write_repeats_without_end(self):
-        """If the port counts the bytes of a command wrongly, it sends the rest of the command without end. The link
-        accepts the rest each time, or never."""
+        """If the port counts the bytes of a command wrongly, it sends the rest of the command without end. In some
+        cases here the link accepts the rest each time, in others never."""
         log = self.folder / "log"
         for command, faults in (("dipswitch", "no-space=4:120"), ("dipswitch", "no-space=4:120,no-space=8:600000"),
                                 ("cancel", "no-space=4:120"), ("status", "no-space=2:120")):
