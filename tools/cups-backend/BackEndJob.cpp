@@ -27,7 +27,7 @@ std::string option(const std::string& options, const std::string& key) {
   return "";
 }
 
-// The name must be unique: the journal takes two jobs of one name for the same job.
+// The name must be unique, because the journal treats two jobs with the same name as one job.
 std::string randomName() {
   std::random_device dice;
   std::string name = "job without a name ";

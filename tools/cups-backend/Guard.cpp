@@ -21,8 +21,8 @@ sigset_t watchedSignals() {
   return set;
 }
 
-// Closes the input pipes in this process. The pipes then end together with the worker, and a filter
-// that still writes gets an error.
+// Closes the input pipes in this process. When the worker ends, no process has the pipes open any
+// more, so a filter that still writes gets an error.
 void leaveInputToWorker() {
   constexpr int backChannel = 3;
   ::close(STDIN_FILENO);
@@ -30,8 +30,9 @@ void leaveInputToWorker() {
   ::close(CUPS_SC_FD);
 }
 
-// Waits for the worker's end, and passes stop signals on to it. Returns whether the scheduler sent
-// one of them: a signal from another process does not mean that the job is no longer wanted.
+// Waits for the worker's end, and passes stop signals on to the worker. Returns true if the
+// scheduler sent a stop signal. A signal from another process does not mean that the job is no
+// longer wanted.
 bool awaitWorker(pid_t worker, pid_t scheduler, const sigset_t& signals, int& status) {
   bool isCanceled = false;
   while (::waitpid(worker, &status, WNOHANG) != worker) {

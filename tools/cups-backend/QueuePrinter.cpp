@@ -13,7 +13,8 @@
 namespace quordalvane::cups {
 namespace {
 
-// In practice this is no limit: any job releases the printer when its process ends, at the latest.
+// The longest wait for other jobs that use the printer. The limit should never be reached, because
+// a job releases the printer at the latest when its process ends.
 constexpr std::chrono::milliseconds longestTurn = std::chrono::hours(24);
 
 }  // namespace
