@@ -72,8 +72,8 @@ class SocketListener : public Listener {
     if (number < 0) {
       return nullptr;
     }
-    // This option sends short answers at once. A Unix socket refuses the option, and does not need
-    // it.
+    // With this option, the system sends short answers without delay. A Unix socket refuses the
+    // option, and does not need it.
     const int on = 1;
     ::setsockopt(number, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     return std::make_unique<SocketLine>(Descriptor(number, Descriptor::Kind::Socket));

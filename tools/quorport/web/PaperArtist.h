@@ -67,9 +67,9 @@ class PaperArtist {
   std::size_t weight_ = 0;  // the sum of the waiting outputs' weights
   bool ends_ = false;
   std::vector<Drawing> drawn_;
-  // The papers by printer number, used only by the thread.
+  // The papers by printer number. Only `thread_` uses them.
   std::map<std::size_t, simulator::PaperStrips> papers_;
-  // The last member, because the thread uses all others.
+  // This must be the last member: the thread starts after all members that it uses.
   std::thread thread_;
 };
 
