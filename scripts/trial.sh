@@ -12,7 +12,7 @@ suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
 # Tools that the trials need, and packages that the tried packages can use but do not require.
 tools=(cmake g++ iproute2 ninja-build pkg-config)
-recommended=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
+optional=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
 
 # Each trial builds on the ones before it.
 trials=(programs programs_in_c readme_program python wheel print_system printer_application)
@@ -50,7 +50,7 @@ cp -r scripts/trial "$root/trial"
 mkdir "$root/trial/packages"
 cp "$folder"/*.deb "$folder"/*.whl "$root/trial/packages"
 step "the packages and the tools of a developer installed" inside \
-  "rm -f packages/*-dbgsym_*; apt-get install --quiet --yes --no-install-recommends ${tools[*]} ${recommended[*]} ./packages/*.deb"
+  "rm -f packages/*-dbgsym_*; apt-get install --quiet --yes --no-install-recommends ${tools[*]} ${optional[*]} ./packages/*.deb"
 for trial in "${trials[@]}"; do
   step "$(claim_of "$trial")" inside --net "ip link set lo up; timeout $longest bash -euo pipefail $trial.sh"
 done
