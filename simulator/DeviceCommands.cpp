@@ -11,17 +11,13 @@ void Typesetter::peripheral(ByteView command) {
 }
 
 // Returns true for the display's own commands. While only the display is selected, returns true
-// also for all other commands except 1b 3d. Each text byte counts as a command. Records the text
-// that the display shows.
-bool Typesetter::isForDisplay(ByteView command) {
+// also for all other commands except 1b 3d. Each text byte counts as a command.
+bool Typesetter::isForDisplay(ByteView command) const {
   constexpr std::uint8_t ofDisplays = 0x1f;
   if (command[0] == ofDisplays && command.size() > 1) {
     return true;
   }
   const bool selects = command.size() == 3 && command[0] == 0x1b && command[1] == 0x3d;
-  if (displayListens_ && command.size() == 1 && command[0] >= 0x20) {
-    record().noteDisplay(command[0]);
-  }
   return !printerListens_ && !selects;
 }
 

@@ -149,7 +149,7 @@ class PrinterState {
   CharacterSets characters;
   std::string profile = "both";  ///< the name of the last applied profile
   std::uint8_t modelId = 0x20;
-  std::uint8_t typeId = 0x02;  ///< the printer has a cutter and no two-byte characters
+  std::uint8_t typeId = 0x02;  ///< 2: the printer has a cutter and no two-byte characters
   std::array<DipBank, 2> dipBanks{};
   std::uint8_t etbCounter = 0;
   std::uint8_t presenterState = 0;  ///< 0 idle, 1 holding paper, 2 retracted, 3 ejected

@@ -101,6 +101,9 @@ const Typesetter::Entry Typesetter::commandTable[] = {
 Typesetter::Typesetter(unsigned paperWidth) : paper_(paperWidth), line_(paperWidth) {}
 
 void Typesetter::set(ByteView command) {
+  if (displayListens_ && command.size() == 1 && command[0] >= 0x20) {
+    record().noteDisplay(command[0]);
+  }
   if (isForDisplay(command)) {
     return;
   }

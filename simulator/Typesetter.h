@@ -145,7 +145,7 @@ class Typesetter {
   void pulse(ByteView command);
   void drawer(ByteView);
   void beep(ByteView);
-  bool isForDisplay(ByteView command);
+  bool isForDisplay(ByteView command) const;
 
   Paper& target() { return page_ ? page_->paper() : paper_; }
   void feed(unsigned dots);
