@@ -157,7 +157,7 @@ constexpr Setting settings[] = {
            numberFrom<std::uint32_t>("buffer", value, "a count of bytes, 16 or more"));
      },
      [](const State& state) { return std::to_string(state.bufferSize()); }},
-    {"flow", Kind::Text, 0, 0, "xonxoff: the byte 13 pauses hosts, and 11 lets them continue",
+    {"flow", Kind::Text, 0, 0, "xonxoff: the byte 0x13 pauses hosts, and 0x11 lets them continue",
      [](State& state, Text value) { state.flowControl = isXonXoff(value); },
      [](const State& state) { return std::string(state.flowControl ? "xonxoff" : "none"); },
      [] {
