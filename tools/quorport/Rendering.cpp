@@ -12,6 +12,7 @@
 #include "render/RenderError.h"
 #include "render/TestPage.h"
 #include "render/TextPrinting.h"
+#include "tools/process/WholeInput.h"
 #include "tools/quorport/CommandFailure.h"
 #include "tools/quorport/TextHint.h"
 
@@ -21,9 +22,6 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 using Content = RenderOptions::Content;
 
-// The size of the largest job in bytes. Files that are sent unchanged have the same limit. The size
-// of a drawn job is checked here, because a text grows when it is drawn.
-constexpr std::size_t largestJob = std::size_t{256} << 20U;
 constexpr std::size_t mostNamed = 8;
 
 void tellMissing(const std::set<char32_t>& missing, const Streams& streams) {
@@ -43,7 +41,8 @@ void tellMissing(const std::set<char32_t>& missing, const Streams& streams) {
            streams);
 }
 
-// Returns an output that appends to the job, up to the largest size of a job.
+// Returns an output that appends to the job, up to the largest size of a job. A text can be smaller
+// than this limit and exceed it when it is drawn.
 render::Output into(Bytes& job) {
   return [&job](std::span<const std::uint8_t> bytes) {
     if (job.size() + bytes.size() > largestJob) {
