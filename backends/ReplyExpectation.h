@@ -21,7 +21,7 @@ class ReplyExpectation {
  public:
   bool replyMayCome() const { return pending_; }
 
-  /// Sets whether the device may answer the following writes; initially it may.
+  /// Sets whether the device can answer the bytes of later writes; initially it can.
   void setMayBeAnswered(bool mayBeAnswered) { mayBeAnswered_ = mayBeAnswered; }
   bool mayBeAnswered() const { return mayBeAnswered_; }
 

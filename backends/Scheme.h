@@ -49,18 +49,19 @@ struct SchemeVariant {
   std::string_view cause;
 };
 
-/// A scheme: all data about one way to reach devices. The table of all schemes is in
-/// `backends/Schemes.cpp`. The program `quorport` takes its help, its shell completion and its
+/// A scheme: all data about one way to reach devices. A device text, `SCHEME:PLACE,key=value`,
+/// names a scheme, the place of a device and keys (see `DeviceSpec`). The table of all schemes is
+/// in `backends/Schemes.cpp`. The program `quorport` takes its help, its shell completion and its
 /// advice on failures from this table.
 ///
 /// A scheme is defined as `constinit const Scheme scheme = {.name = "tcp", ...}`. Members with a
 /// default may be left out.
 struct Scheme {
   std::string_view name;   ///< "tcp"
-  std::string_view place;  ///< the form of a place: "HOST:PORT"
+  std::string_view place;  ///< the form of PLACE in a device text: "HOST:PORT"
   std::string_view about;  ///< the kind of device: "a printer on the network"
 
-  /// Throws `std::invalid_argument` for an invalid place.
+  /// Throws `std::invalid_argument` if `place` is not valid for this scheme.
   void (*checkPlace)(const std::string& place);
 
   /// Creates the accessory. Throws `std::invalid_argument` for an option that is not valid.
@@ -73,21 +74,22 @@ struct Scheme {
   std::span<const OpenCause> causes = {};  ///< the reasons why opening may fail
   std::span<const SchemeKey> keys = {};    ///< the keys that only this scheme takes
 
-  /// A text for people about keys that the scheme takes but `keys` does not list. If this text is
-  /// not empty, `make` checks the unlisted keys, and a device text may have unlisted keys directly
-  /// after the scheme, without a place: `virtual:coverOpen=true`.
+  /// A text for people about the keys that the scheme takes but `keys` does not list; `make` checks
+  /// these keys. If this text is not empty, a device text may have keys instead of a place:
+  /// `virtual:coverOpen=true`.
   std::string_view moreKeys = {};
 
-  /// The default name of the accessory if the device text has no place after the scheme.
+  /// The default name of the accessory if the device text has no place.
   std::string_view nameWithoutPlace = {};
 
   /// Returns the place that a person means by `text`, a device text without a scheme; nullopt if
   /// `text` does not belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
-  /// Returns the places of all devices that a device text without a place, such as `bluetooth:`,
-  /// means at this moment. No returned place contains a comma or a backslash. The pointer is null
-  /// if a device text without a place means one device or is not allowed.
+  /// A device text without a place, such as `bluetooth:`, may mean several devices. This function
+  /// returns the places that these devices have at this moment. No returned place contains a comma
+  /// or a backslash. The pointer is null if a device text without a place means one device or is
+  /// not allowed.
   std::vector<std::string> (*places)() = nullptr;
 
   /// True if every process has a device of its own, which no other process can use.

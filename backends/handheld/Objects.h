@@ -9,8 +9,8 @@
 
 #include "backends/handheld/FrameworkError.h"
 
-// Only Objective-C++ sources include this header. With it, the C++ objects of this folder own and
-// call objects of the frameworks.
+// Only Objective-C++ sources include this header. It lets C++ objects own the frameworks' objects
+// and call their methods.
 
 #if __has_feature(objc_arc)
 #error "Compile this folder without automatic reference counting: it releases objects itself."

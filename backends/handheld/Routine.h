@@ -5,8 +5,8 @@
 
 namespace quordalvane::handheld {
 
-/// A routine of the port that a framework calls. This class is compiled as C++, so that no
-/// exception of the routine reaches the framework.
+/// A routine of the port. A framework calls the routine, and no exception may reach the framework.
+/// So this class, which is compiled as C++, catches every exception of the routine.
 class Routine {
  public:
   explicit Routine(std::function<void()> body) : body_(std::move(body)) {}

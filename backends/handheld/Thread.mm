@@ -54,15 +54,15 @@ struct Body {
 
 - (void)live {
   @autoreleasepool {
-    // Without an event source the loop would return at once and never run the routines that other
-    // threads pass to it.
+    // Without an event source the loop would return immediately, and would never run the routines
+    // that other threads pass to it.
     NSPort* const source = [NSPort port];
     NSRunLoop* const loop = [NSRunLoop currentRunLoop];
     [loop addPort:source forMode:NSDefaultRunLoopMode];
     body->life->enter(Life::Stage::Turning);
     body->routine.run();
     body->life->enter(Life::Stage::Ended);
-    // Runs the routines that were accepted before the body ended.
+    // Runs the routines that other threads passed to the loop before `body->routine` ended.
     [loop runUntilDate:[NSDate date]];
     [loop removePort:source forMode:NSDefaultRunLoopMode];
   }
@@ -115,7 +115,8 @@ class HandheldThread final : public NSThread {
 
   bool performAndWait(std::function<void()> routine) override {
     Routine carried(std::move(routine));
-    // The routine may release this handle, so the thread's object is kept alive here.
+    // The routine may destroy this `HandheldThread`. This reference keeps the framework's thread
+    // alive until the function returns.
     const Retained<::NSThread> thread(thread_.get());
     if (thread.get() != nil && [thread.get() isEqual:[::NSThread currentThread]]) {
       carried.run();

@@ -25,9 +25,9 @@ Descriptor connectToAny(const std::vector<SocketAddress>& addresses, SteadyTime 
 /// the flow of data, for example while it is out of paper, however long this lasts.
 ///
 /// Throws a `std::system_error`, with a message for people, if nothing answers within `timeout`,
-/// which must be above zero. The code of the error is one of the system or, if a name cannot be
-/// resolved, of `resolverCategory()`. If the lookup of a name takes longer than `timeout`, it
-/// continues on a thread of its own.
+/// which must be above zero. If `host` is a name that cannot be resolved, the code of the error
+/// belongs to `resolverCategory()`; otherwise it is an error code of the system. If the lookup of
+/// the name takes longer than `timeout`, the lookup continues on a thread of its own.
 Descriptor connectTcp(const std::string& host, std::uint16_t port,
                       std::chrono::milliseconds timeout = connectTimeout);
 

@@ -22,7 +22,8 @@ bool hasPassed(SteadyTime deadline);
 /// Returns the time left until `deadline` in seconds; 0 if `deadline` has passed.
 double secondsUntil(SteadyTime deadline);
 
-/// Returns the time left until `deadline` as system calls take it; 0 if `deadline` has passed.
+/// Returns the time left until `deadline`, in the type that system calls take; 0 if `deadline` has
+/// passed.
 timespec timeLeft(SteadyTime deadline);
 
 }  // namespace quordalvane::posix

@@ -55,7 +55,8 @@ class Descriptor {
   /// arrived.
   std::ptrdiff_t send(const std::uint8_t* bytes, std::size_t length) const;
 
-  /// Returns true if a `receive` that does not fill its buffer shows that the input is now empty.
+  /// Returns true if this kind of connection has no more input after a `receive` that did not fill
+  /// its buffer.
   bool shortReceiveEmpties() const { return isSocket(); }
 
   /// Waits until one of the poll `events`, an error or a hang-up occurs; signals do not shorten the

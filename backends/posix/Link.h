@@ -26,28 +26,28 @@ using Tick = std::chrono::nanoseconds;
 /// Any thread may call the functions. No lock is held while a function waits.
 class Link {
  public:
-  /// How long the other side may leave sent bytes without an acknowledgement. This must be longer
-  /// than two minutes, the longest pause between two probes that the system sends to a printer
-  /// without space.
+  /// How long the other side may leave sent bytes without an acknowledgement. The system sends
+  /// probes to a printer that has no space for more bytes; the pauses between the probes grow to
+  /// two minutes. `givenUpAfter` must be longer than the longest pause.
   static constexpr std::chrono::milliseconds givenUpAfter{150'000};
 
   /// Creates a link over `descriptor`. The other side counts as lost after `silenceLimit` without
   /// an acknowledgement.
   explicit Link(Descriptor descriptor, std::chrono::milliseconds silenceLimit = givenUpAfter);
 
-  /// Makes `release` return at once; bytes that the device has not taken yet may be lost.
+  /// Makes `release` return without waiting; bytes that the device has not taken yet may be lost.
   void abandon();
 
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   /// `release` returns when the device has taken all written bytes, and after two seconds at the
-  /// latest. If the device has not taken all bytes by then and sends anything afterwards, the bytes
+  /// latest. If the device has not taken all bytes by then and afterwards sends anything, the bytes
   /// that it has not taken are lost. When `release` returns, the waits of other threads end; but a
   /// wait on a terminal may continue until its deadline. A second call has no effect.
   void release();
 
   /// Returns true if the link has ended and all bytes that arrived before the end were read. A link
-  /// ends by the end of the stream, a hang-up or an error, or if the other side does not answer for
-  /// too long. Returns false after `release`, because a released link is not lost.
+  /// ends if the stream ends, a hang-up or an error occurs, or the other side is silent for too
+  /// long. Returns false after `release`, because a released link is not lost.
   bool isLost();
 
   /// If the link has ended, drops the unread bytes that arrived before the end, so that `isLost`
@@ -72,8 +72,7 @@ class Link {
   /// is lost.
   bool hasSpace();
 
-  /// Sets whether the other side may answer the bytes that are written from now on; initially it
-  /// may.
+  /// Sets whether the other side can answer the bytes of later writes; initially it can.
   void setMayBeAnswered(bool mayBeAnswered);
 
   /// Writes at most `length` bytes. Returns the number of bytes taken, 0 if there is no space, and
@@ -115,7 +114,7 @@ class Link {
   bool beingWaited_ = false;  // true if a waiting thread may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;
-  bool cameSinceWrite_ = false;  // true if bytes arrived after the last write that may be answered
+  bool cameSinceWrite_ = false;  // true if bytes arrived after the last answerable write
 
   bool mayBeFull_ = false;     // true if the last write was long or was taken only in part
   bool outputBroken_ = false;  // true if a write has failed or the other side no longer answers

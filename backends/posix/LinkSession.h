@@ -7,9 +7,9 @@
 
 namespace quordalvane::posix {
 
-/// A session over a link. The link is connected before the session exists, so its streams are open
-/// from the start. The streams may outlive the session; after its end they have no bytes to read
-/// and no space to write.
+/// A session over a link. The link is connected before the session exists, so the session's streams
+/// are open from the start. The streams may outlive the session; after the session's end they have
+/// no bytes to read and no space to write.
 class LinkSession : public EASession {
  public:
   explicit LinkSession(std::shared_ptr<Link> link);

@@ -24,9 +24,9 @@ Descriptor::Kind usbKindOf(int number);
 /// plugged in, the accessory announces no protocol, so ports ignore it. The name, the model and the
 /// serial number are those that the printer reports, unless `identity` contains them.
 ///
-/// The manufacturer is always the one in `identity`, whoever made the printer. A port chooses only
-/// accessories of one maker, and a user who names this device wants to use the printer. The name
-/// contains the real maker.
+/// The manufacturer is always the one in `identity`, even if another maker made the printer.
+/// Otherwise a port would ignore printers of other makers, although the user who names such a
+/// printer wants to use it. The name contains the real maker.
 class UsbAccessory : public LinkAccessory {
  public:
   /// `place` selects the printer, as described at `findUsbPrinter`. After the first search the
@@ -53,7 +53,7 @@ class UsbAccessory : public LinkAccessory {
   const UsbRoots roots_;
   std::mutex mutex_;                 // guards the members below
   std::optional<UsbPrinter> known_;  // the printer as it was found last
-  bool hasTwin_ = false;             // true if a second printer with the same texts was ever found
+  bool hasTwin_ = false;             // true if another printer with equal texts was ever found
 };
 
 }  // namespace quordalvane::posix

@@ -36,10 +36,12 @@ std::string textOf(const UsbPrinter& printer, const std::vector<UsbPrinter>& pri
 enum class UsbError {
   NotPluggedIn = 1,
   Ambiguous,
-  NoDriver,           ///< the printer is plugged in, but the system's driver is not loaded
-  HeldByPrintSystem,  ///< a program has taken the printer from the driver, as the print system does
-  TakenFromDriver,    ///< a program has taken the printer from the driver and has not given it back
-  DroppedByHub,       ///< a USB hub has switched off the printer's power
+  NoDriver,  ///< the printer is plugged in, but the system's driver is not loaded
+
+  /// A program, for example the print system, has taken the printer from the driver and uses it.
+  HeldByPrintSystem,
+  TakenFromDriver,  ///< a program has taken the printer from the driver and has not given it back
+  DroppedByHub,     ///< a USB hub has switched off the printer's power
 };
 
 /// Returns the error category of these codes. `HeldByPrintSystem` is equivalent to

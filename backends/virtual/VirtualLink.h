@@ -43,7 +43,7 @@ class VirtualLink {
   /// Returns false if no reply can arrive.
   bool expectsBytes();
 
-  /// Sets whether the printer may answer the bytes that are written from now on; initially it may.
+  /// Sets whether the printer can answer the bytes of later writes; initially it can.
   void setMayBeAnswered(bool mayBeAnswered);
   std::int64_t write(std::span<const std::uint8_t> bytes);
   std::int64_t read(std::span<std::uint8_t> bytes);
@@ -51,8 +51,8 @@ class VirtualLink {
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   void close();
 
-  /// Wait until there are bytes to read or space to write, the link is lost, or `seconds` have
-  /// passed.
+  /// Wait for bytes to read, or for space to write. Each wait also ends if the link is lost or
+  /// `seconds` have passed.
   void waitForBytes(double seconds);
   void waitForSpace(double seconds);
 
