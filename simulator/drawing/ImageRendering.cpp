@@ -32,8 +32,9 @@ constexpr Margins margins = {.end = 20, .gap = 24};
 
 constexpr unsigned bandHeight = 256;  // how many rows are drawn together
 
-// The meanings of a dot's value. 0 is the paper's shadow. The next values range from the bare table
-// to the letters of a remark on the table. The highest values range from bare paper to ink.
+// Each dot of the picture has one of these values. 0 is the paper's shadow. The values from `table`
+// to `mostRemark` run from the table's colour to the remarks' colour. The values from `paperDot` to
+// `mostInk` run from the paper's colour to the ink's colour.
 constexpr std::uint8_t shadow = 0;
 constexpr std::uint8_t table = 1;
 constexpr std::uint8_t mostRemark = 127;

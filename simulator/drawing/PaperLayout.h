@@ -29,8 +29,8 @@ struct Piece {
 
 /// The empty space around the print, in dots.
 struct Margins {
-  unsigned end = 0;  ///< the space above and below a piece
-  unsigned gap = 0;  ///< the distance between two pieces
+  unsigned end = 0;  ///< at the top of each `Piece`, and again at its bottom
+  unsigned gap = 0;  ///< between two pieces
 };
 
 /// The space above and below a symbol, and between the symbol and its text, in dots.
@@ -51,12 +51,12 @@ class PaperLayout {
   const std::vector<PlacedItem>& items() const { return items_; }
   const std::vector<Piece>& pieces() const { return pieces_; }
 
-  /// Return the position at which the next item begins, and the position farthest from the top that
-  /// was reached by printing or by feeding.
+  /// Return two positions on the paper, in dots: the top of the next item, and the lowest position
+  /// that printing or feeding has reached in the current piece.
   unsigned position() const { return y_; }
   unsigned end() const { return end_; }
 
-  /// Returns the end of the last piece; if there are no pieces, the end of the print.
+  /// Returns the bottom of the last finished piece. If no piece is finished, returns `end()`.
   unsigned bottom() const { return pieces_.empty() ? end_ : pieces_.back().bottom; }
 
  private:
@@ -68,9 +68,9 @@ class PaperLayout {
   Margins margins_;
   std::vector<PlacedItem> items_;
   std::vector<Piece> pieces_;
-  unsigned begin_;  // the beginning of the current piece
+  unsigned begin_;  // the top of the current piece
   unsigned y_;
-  unsigned end_;  // the end of the print in the current piece
+  unsigned end_;  // the lowest position that was reached in the current piece
 };
 
 }  // namespace quordalvane::simulator

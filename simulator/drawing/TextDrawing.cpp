@@ -17,8 +17,12 @@ namespace {
 
 constexpr double cellWidth = 12;
 constexpr double cellHeight = 24;
-constexpr double fontSize = 20;                            // fills a cell in most monospaced fonts
-constexpr std::size_t mostCached = std::size_t{4} << 20U;  // the size of all kept glyphs in bytes
+
+// In most monospaced fonts, letters of this size fill a cell.
+constexpr double fontSize = 20;
+
+// The cache is emptied when its glyphs need more bytes than this.
+constexpr std::size_t mostCached = std::size_t{4} << 20U;
 
 struct GlyphKey {
   char32_t character;
@@ -111,7 +115,7 @@ Plane glyphOf(const GlyphKey& key) {
   return glyph;
 }
 
-/// The glyphs that were drawn last: most of a receipt repeats a few dozen of them.
+/// Keeps glyphs that were drawn, because most of a receipt repeats a few dozen of them.
 class GlyphCache {
  public:
   const Plane& glyph(const GlyphKey& key) {
