@@ -79,8 +79,8 @@ std::vector<SettingForm> settingForms();
 
 using DipBank = std::array<std::uint8_t, 2>;
 
-/// Everything that can be set on a printer: its conditions, its settings and its speed. A plain
-/// value, without links or time.
+/// Everything that can be set on a printer: its conditions, its settings and its speed. This class
+/// only stores these values. It has no connections and no clock.
 class PrinterState {
  public:
   /// Returns the condition that the printer reports. `Offline` is also true while the cover is

@@ -30,11 +30,12 @@ class Printing {
   /// Returns the complete command; valid until the next byte.
   ByteView command() const { return scanner_.bytes(); }
 
-  /// Executes the next command of a running macro. Returns false if no command is left. To be
-  /// called after each byte until the result is false.
+  /// Executes the next command of a running macro. Returns false if no command is left. After each
+  /// call of `pass`, the caller must repeat `goOn` until it returns false.
   bool goOn();
 
-  /// Drops an unfinished command, because its end will not arrive; the next byte starts a new one.
+  /// Drops an unfinished command, because its end will not arrive. The next byte starts a new
+  /// command.
   void leaveUnfinishedCommand();
 
   /// Ends the current line, if it is not empty.

@@ -11,8 +11,9 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The command has two forms. The first numbers the symbologies from 0 and ends its data with a zero
-// byte. The second numbers them from 65 and has a count of its data.
+// The command 1d 6b, which prints a bar code, has two forms. In the first form, the kinds of bar
+// code are numbered from 0, and a zero byte ends the data. In the second form, the kinds are
+// numbered from 65, and the command contains the count of data bytes.
 constexpr std::uint8_t lastTerminated = 6;
 constexpr std::uint8_t firstCounted = 65;
 

@@ -9,8 +9,9 @@
 namespace quordalvane::simulator {
 namespace {
 
-// A run is a sequence of bytes from 80 (hex) up. At most this many bytes are kept until the run
-// ends. The start of a longer run is converted earlier, so that it needs no more memory.
+// A run is a sequence of bytes that are all 80 (hex) or greater. The decoder keeps the bytes of a
+// run until the run ends, or until it has kept this many bytes. It then converts the kept bytes, so
+// that a long run needs no more memory.
 constexpr std::size_t longestRun = 256;
 
 constexpr char32_t house = 0x2302;  // the sign that printers' own fonts have for byte 7f

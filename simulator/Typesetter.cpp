@@ -43,7 +43,7 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1b, 0x52, Spoken::Both, &Typesetter::nationalSet},
     {0x1b, 0x53, Spoken::EscPos, &Typesetter::standardMode},
     {0x1b, 0x54, Spoken::EscPos, &Typesetter::pageDirection},
-    // Prints in one direction only; has no effect here.
+    // This command chooses printing in one direction only. It has no effect in this printer.
     {0x1b, 0x55, Spoken::EscPos, &Typesetter::ignore},
     {0x1b, 0x56, Spoken::EscPos, &Typesetter::rotation},
     {0x1b, 0x57, Spoken::EscPos, &Typesetter::pageArea},
@@ -76,20 +76,21 @@ const Typesetter::Entry Typesetter::commandTable[] = {
     {0x1d, 0x2a, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x2f, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x38, Spoken::EscPos, &Typesetter::graphics},
-    // Begins or ends a macro, which the class Macro handles.
+    // This command begins or ends a macro. The class Macro handles it.
     {0x1d, 0x3a, Spoken::EscPos, &Typesetter::ignore},
     {0x1d, 0x42, Spoken::EscPos, &Typesetter::inverse},
     {0x1d, 0x44, Spoken::EscPos, &Typesetter::graphics},
     {0x1d, 0x48, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x4c, Spoken::EscPos, &Typesetter::leftMargin},
-    // Sets the units of motion, which are always dots here.
+    // This command sets the unit of motion. In this printer, the unit is always one dot.
     {0x1d, 0x50, Spoken::EscPos, &Typesetter::ignore},
     {0x1d, 0x51, Spoken::EscPos, &Typesetter::tallColumnImage},
     {0x1d, 0x56, Spoken::EscPos, &Typesetter::cut},
     {0x1d, 0x57, Spoken::EscPos, &Typesetter::printWidth},
     {0x1d, 0x5a, Spoken::EscPos, &Typesetter::symbolKindAtOnce},
     {0x1d, 0x5c, Spoken::EscPos, &Typesetter::pagePositionFurther},
-    // Turns the smoothing of large letters on or off; here they are always smooth.
+    // This command turns the smoothing of large letters on or off. This printer always smooths
+    // them.
     {0x1d, 0x62, Spoken::EscPos, &Typesetter::ignore},
     {0x1d, 0x66, Spoken::EscPos, &Typesetter::barcodeSetting},
     {0x1d, 0x68, Spoken::EscPos, &Typesetter::barcodeSetting},

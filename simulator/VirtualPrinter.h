@@ -49,9 +49,10 @@ class VirtualPrinter {
   /// Returns the output since the paper was last torn off.
   const Paper& paper() const { return printing_.paper(); }
 
-  /// Returns the print data that produced the paper, byte for byte, without ETBs and without
-  /// commands that act on reception. The last line may be unfinished. Returns empty unless the
-  /// printer has `PrinterState::keepsPrinted`.
+  /// Returns the print data that produced the paper, byte for byte. They contain no ETBs, no
+  /// commands that the printer answers, and no commands that it executes as soon as it receives
+  /// them. The last line may be unfinished. Returns empty unless the printer has
+  /// `PrinterState::keepsPrinted`.
   const Bytes& printed() const { return printed_; }
 
   /// Returns the count of bytes of print data that have been printed since the beginning.
@@ -95,17 +96,17 @@ class VirtualPrinter {
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// Returns how many bytes the printer can accept: the free part of its buffer, or 0 if this is
-  /// less than a command may need. A command may need 64 bytes, or a quarter of a small buffer.
+  /// Returns how many bytes the printer can accept. This is the free part of its buffer, or 0 if
+  /// less is free than a command may need: a quarter of the buffer, at most 64 bytes.
   std::size_t space() const;
 
-  /// Returns how many bytes at the start of `bytes` need no free space, because they act on
-  /// reception and are not stored.
+  /// Returns how many bytes at the start of `bytes` belong to commands that the printer executes as
+  /// soon as it receives them. These bytes are not stored and need no free space.
   std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
-  /// Accepts all of `bytes`. They must fit into `space()`, or all of them must act on reception;
-  /// see `actingAtOnce`. With `vanish`, commands that act on reception are executed, but print data
-  /// are lost. If a command began in an earlier call, the `vanish` of that call applies to the
+  /// Accepts all of `bytes`. Either they must fit into `space()`, or `actingAtOnce` must count all
+  /// of them. With `vanish`, print data are lost, but the commands that `actingAtOnce` counts are
+  /// executed. If a command began in an earlier call, the `vanish` of that call applies to the
   /// whole command.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
