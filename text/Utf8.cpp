@@ -5,8 +5,8 @@ namespace {
 
 constexpr Character invalid{};
 
-/// Reads a character of `length` bytes. `lead` holds the bits of the code point that the first byte
-/// contains. A code point below `smallest` is invalid, because its form is overlong.
+/// Reads a character of `length` bytes. `lead` is the part of the code point that the first byte
+/// contains. A code point below `smallest` is invalid, because its encoding is overlong.
 Character continuedCharacter(std::string_view text, std::uint32_t lead, std::size_t length,
                              std::uint32_t smallest) noexcept {
   if (text.size() < length) {
