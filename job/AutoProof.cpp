@@ -29,8 +29,9 @@ MaybeSetback AutoProof::begin() {
   return chosen_->begin();
 }
 
-/// Checks that the printer is ready, and then asks which proof it gives. If an earlier search found
-/// no proof, asks again only if this job has received an answer that can confirm a job.
+/// Checks that the printer is ready, and then asks which proof it gives. If an earlier job found no
+/// proof, the printer is asked again only if it sends, during the check, an answer of a kind that
+/// can prove a job.
 MaybeSetback AutoProof::find() {
   if (auto setback = refuseUnready(link(), answers_, result())) {
     return setback;

@@ -9,8 +9,8 @@
 namespace quordalvane {
 
 /// Asks an ESC/POS printer which proof it gives, and then forwards all calls to that proof. The
-/// answer is kept for as long as the port exists. The printer is asked again only if the search
-/// found no proof and the printer has later sent an answer that can confirm a job.
+/// result of the search is kept for as long as the port exists. The printer is asked again only if
+/// the search found no proof and the printer has later sent an answer that can prove a job.
 class AutoProof final : public Proof {
  public:
   AutoProof(PortLink& link, PrintResult& result);

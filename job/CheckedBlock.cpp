@@ -120,8 +120,9 @@ std::string CheckedBlock::whyNoAnswer() const {
   return answers_.isAnyOdd() ? "the printer's answer is not a status of this emulation" : noAnswer;
 }
 
-/// Ends the data cancel that an abandoned block has begun. Otherwise the printer would drop the
-/// data of later jobs, if this job or an earlier job has set a data time-out.
+/// Sends the command that ends a data cancel, because the abandoned block may have begun one. While
+/// a data cancel lasts, a data time-out of this job or of an earlier job can make the printer drop
+/// the data of later jobs.
 void CheckedBlock::leave() {
   link().port().write(dataCancelEnd, PortLink::Reply::None);
 }

@@ -4,9 +4,10 @@
 
 namespace quordalvane {
 
-/// The command that begins a data cancel, and the command that ends the data cancel. A data cancel
-/// makes a printer that supports the checked block drop the data that it holds. Without the second
-/// command, the printer would drop the data of later jobs, if a data time-out was ever set.
+/// A command that begins a data cancel, and a command that ends it. At the first command, a printer
+/// that supports the checked block drops the data that it holds. Without the second command, a data
+/// time-out that an earlier job has set would have an effect: after a pause in the data, the
+/// printer would drop the data of later jobs.
 inline constexpr std::uint8_t dropAll[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00,
                                            0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 

@@ -32,7 +32,8 @@ class EndSign : public Proof {
   MaybeSetback askAndAwait(ByteView question);
 
  private:
-  /// Makes sure that no sign of another job can arrive.
+  /// Prepares the proof so that the sign of an earlier job cannot be taken for the sign of this
+  /// job. Called before the data is sent. Returns a setback if the data must not be sent.
   virtual MaybeSetback prepare() { return std::nullopt; }
 
   /// Stores in `question` the query that will follow `data`. Returns a setback if the answer to

@@ -82,9 +82,9 @@ MaybeSetback EscPosBlock::end(ByteView data) {
   return setback;
 }
 
-/// Calls the port's operation that ends the block. If the report has arrived, `stopIfReported` may
-/// abandon this operation before it has read the last status. In that case this function asks for
-/// the status.
+/// Calls the port's operation that ends the block. After the printer's report has arrived,
+/// `stopIfReported` may abandon this operation before the last status is read. In that case this
+/// function asks for the status.
 bool EscPosBlock::endInTime() {
   awaitsReport_ = true;
   try {

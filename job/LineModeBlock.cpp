@@ -59,7 +59,7 @@ MaybeSetback LineModeBlock::judgeReadiness() {
 }
 
 /// Sends the first mark and waits until the printer has counted this mark. If the printer does not
-/// count it soon, the port's own operation, which sends two marks, will end the block.
+/// count this mark soon, the port's own operation, which sends two marks, will end the block.
 MaybeSetback LineModeBlock::markBeginning() {
   if (auto setback = link().send(mark, PortLink::Reply::None)) {
     return setback;
@@ -88,8 +88,8 @@ bool LineModeBlock::endInTime() {
   return hasEnded && confirm();
 }
 
-/// Waits until the printer has counted two marks. The port's own operation is not used, because it
-/// would send two more marks; only one is missing.
+/// Waits until the printer has counted both marks of this job, one before and one after the data.
+/// The port's own operation is not used, because it would send two further marks.
 bool LineModeBlock::awaitCount() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();

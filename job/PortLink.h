@@ -37,7 +37,7 @@ class PortLink final : private TransferObserver {
   ExternalAccessoryPort& port() const { return *port_; }
   std::chrono::nanoseconds now() const { return port_->platform().clock().monotonic(); }
 
-  /// Returns the port's input/output time-out, or one second if that is longer.
+  /// Returns the port's input/output time-out, but at least one second.
   std::chrono::milliseconds timeout() const;
 
   /// Passes all bytes to `listener` from now on, or to nobody if `listener` is null. The listener
@@ -72,7 +72,8 @@ class PortLink final : private TransferObserver {
   void pause();
 
   /// Reads until `isDone` returns true. `isDone` is called once without bytes, and then with the
-  /// bytes of each read. Returns false if `limit` passes or the link is lost before that.
+  /// bytes of each read. Returns false if `limit` passes or the link is lost before `isDone`
+  /// returns true.
   bool await(const std::function<bool(ByteView)>& isDone, std::chrono::nanoseconds limit);
 
   /// Drops the received bytes that nobody has read, and waits for more only if an answer may still
@@ -80,12 +81,12 @@ class PortLink final : private TransferObserver {
   /// sending.
   void drain();
 
-  /// Returns whether the link is lost. Drops the received bytes that nobody has read, because a
-  /// lost link counts as connected until they are read.
+  /// Returns whether the link is lost. First drops the received bytes that nobody has read. While
+  /// there are such bytes, the port reports even a lost link as connected.
   bool isLost();
 
-  /// Returns the setback for an exchange that failed. The reason in it is "link lost" if the link
-  /// is lost, and `otherwise` if not.
+  /// Returns the setback for an exchange that failed. If the link is lost, the reason in the
+  /// setback is "link lost". If the link is not lost, the reason is the text in `otherwise`.
   Setback failedExchange(const std::string& otherwise);
 
  private:

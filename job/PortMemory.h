@@ -13,7 +13,7 @@ namespace quordalvane {
 /// as the port exists.
 struct PortMemory {
   std::optional<ProofKind>
-      foundProof;            ///< the printer's proof; null if the printer was not asked yet
+      foundProof;            ///< how the printer proves jobs; null if no job has asked this yet
   std::set<ProofKind> owed;  ///< the proofs for which the printer may still send an answer
 };
 

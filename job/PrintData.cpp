@@ -13,6 +13,8 @@ namespace {
 /// The emulations in which a command in the data prevents a confirmation.
 enum class Matters { Always, InLineMode };
 
+/// If the data of a job contains this command, the job cannot be confirmed in the emulations that
+/// `matters` names.
 struct Obstacle {
   std::initializer_list<std::uint8_t> bytes;
   Matters matters;
@@ -41,7 +43,8 @@ bool holds(ByteView data, std::initializer_list<std::uint8_t> bytes) {
   return std::search(data.begin(), data.end(), bytes.begin(), bytes.end()) != data.end();
 }
 
-/// Returns the obstacle at the beginning of `data`; null if `data` does not begin with an obstacle.
+/// Returns the command of `obstacles` with which `data` begins; null if `data` begins with none of
+/// them.
 const Obstacle* obstacleAt(ByteView data, ZKEmulation emulation) {
   const auto* const found =
       std::find_if(std::begin(obstacles), std::end(obstacles), [&](const Obstacle& obstacle) {
@@ -75,8 +78,8 @@ bool isText(std::uint8_t byte) {
 
 constexpr std::size_t mostLookedThrough = std::size_t{1} << 20U;
 
-/// The first bytes of the commands that printers answer. Some of these commands have several
-/// functions, of which printers answer only some.
+/// The first bytes of the commands that a printer may answer. If a command has several functions, a
+/// printer may answer only some of them.
 const std::initializer_list<std::uint8_t> answeredCommands[] = {
     {0x05},       {0x10},       {0x1b, 0x06}, {0x1b, 0x1d, 0x03}, {0x1b, 0x23},
     {0x1b, 0x75}, {0x1b, 0x76}, {0x1c, 0x28}, {0x1c, 0x67},       {0x1d, 0x28},

@@ -47,7 +47,8 @@ struct PrintResult {
   /// the job's options or in the key `proof=` of the device.
   bool hasAskedForProof = false;
 
-  /// The result code of the beginning of the checked block; failed if the job had no checked block.
+  /// The result code of `beginCheckedBlock`; `ZKQuorIOResultCodeFailedError` if the job had no
+  /// checked block.
   std::int64_t resultCode = ZKQuorIOResultCodeFailedError;
 
   std::uint64_t bytesTotal = 0;     ///< the size of the job

@@ -137,8 +137,8 @@ class Question final : private TransferObserver {
 
  private:
   // In ESC/POS the port rejects most parts of a status block. So if the port reports that the
-  // printer did not answer, it may have mixed up two answers. But if its last read received
-  // nothing, the reason is its time-out, and nothing was mixed up.
+  // printer did not answer, the port may have mixed up two answers. But if the last read of the
+  // port received nothing, the time-out of the port has passed, and nothing was mixed up.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
     const Bytes bytes = joined(reads_);

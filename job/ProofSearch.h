@@ -14,10 +14,10 @@ struct FoundProof {
   std::set<ProofKind> owed;          ///< the proofs for which the printer may still send an answer
 };
 
-/// Asks an ESC/POS printer that is on line which proof it gives, and stores the result in `found`.
-/// No paper moves. A printer that gives a proof answers at once; after a second of silence the
-/// search ends. The caller must feed `answers` with all bytes that are read on the link. Returns a
-/// setback, which holds the reason, if the link does not take the query.
+/// Finds out which proof a printer gives, and stores the result in `found`. The printer must use
+/// ESC/POS and must be on line. No paper moves. A printer that gives a proof answers at once; after
+/// a second of silence the search ends. The caller must feed `answers` with all bytes that are read
+/// on the link. Returns a setback, which holds the reason, if the link does not take the query.
 MaybeSetback findProof(PortLink& link, const EscPosAnswers& answers, FoundProof& found);
 
 }  // namespace quordalvane

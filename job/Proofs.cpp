@@ -1,4 +1,5 @@
-// Chooses and creates the proof of a job.
+// Chooses and creates the proof of a job: the object that finds out whether the printer has printed
+// the job.
 
 #include <algorithm>
 #include <memory>
