@@ -17,8 +17,8 @@ enum class ProofKind : std::int32_t {
   Auto = QUOR_PROOF_AUTO,  ///< the printer is asked which of the other proofs it gives
   Block =
       QUOR_PROOF_BLOCK,  ///< the checked block: the printer counts the marks that enclose the data
-  ProcessId =
-      QUOR_PROOF_PROCESS_ID,  ///< the printer sends back four random characters that end the job
+  /// A command with four random characters ends the job; the printer sends these characters back.
+  ProcessId = QUOR_PROOF_PROCESS_ID,
   InOrder = QUOR_PROOF_IN_ORDER,  ///< the printer answers a query that ends the job
 };
 
