@@ -17,19 +17,20 @@ struct BackEndJob {
   unsigned copies = 1;  ///< the count of copies to print here; 1 if filters have made the copies
   std::string name;     ///< the job's name in the journal, the same in each attempt
 
-  /// The time at which the scheduler ended the job, in seconds since 1970. If a job that has ended
-  /// is started, a person has asked to print it again.
+  /// The time at which the scheduler last ended this job, in seconds since 1970; empty if the job
+  /// has never ended. The scheduler starts an ended job again only if a person asks for it.
   std::optional<std::int64_t> ended;
 
   /// The file with the job's data; empty if standard input has the data.
   std::optional<std::filesystem::path> file;
-  /// True if another printer of the queue's class may print the job if this one cannot.
+  /// True if the job was sent to a class of printers. Another printer of the class may then print
+  /// the job if this printer cannot.
   bool isOfClass = false;
   /// The state reasons (keywords of the print system) that the queue's printer has now.
   std::string standingReasons;
   std::filesystem::path journal;
 
-  /// The file with the scheduler's own record of the job; empty if its path is unknown.
+  /// The file with the scheduler's own record of the job; empty if the path of the file is unknown.
   std::filesystem::path controlFile;
 };
 

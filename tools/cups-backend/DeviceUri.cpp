@@ -86,8 +86,8 @@ void refuseCredentials(std::string_view path, const Scheme* scheme) {
   }
 }
 
-// Returns true if `place` is a path of the system. Such a path begins with the slash after the
-// scheme: /serial/dev/ttyUSB0 means /dev/ttyUSB0.
+// Returns true if `place` is a path in the file system without its first slash. In the URI, this
+// slash is the one after the scheme: /serial/dev/ttyUSB0 means the path /dev/ttyUSB0.
 bool isSystemPath(const Scheme& scheme, std::string_view place) {
   return !place.starts_with('/') && (scheme.place == "PATH" || place.starts_with("dev/"));
 }

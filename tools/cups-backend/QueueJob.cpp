@@ -12,8 +12,8 @@
 namespace quordalvane::cups {
 namespace {
 
-// The pause before a busy printer or journal is tried again: the job continues within a second
-// after the cause is gone.
+// The pause before a waiting job tries again. It is so short that the job continues within a second
+// after the cause of the wait, for example a busy printer, is gone.
 constexpr auto lookPause = std::chrono::milliseconds(500);
 
 constexpr auto onAnotherJob = "waiting: another job is on the printer";
@@ -206,9 +206,9 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
   return ExitCode::Held;
 }
 
-/// Postpones a job of which nothing was sent. If the queue is a class of printers, another printer
-/// may take it; otherwise the job waits. The pause prevents the scheduler from trying all printers
-/// of the class without end.
+/// Postpones a job of which nothing was sent. If the job was sent to a class of printers, another
+/// printer of the class may print it; otherwise the job waits. The pause prevents the scheduler
+/// from trying all printers of the class without end.
 QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons& reasons) {
   with_.lines.setReasons(reasons);
   with_.lines.inform("waiting: " + why);

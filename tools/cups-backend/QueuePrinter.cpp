@@ -61,8 +61,8 @@ void QueuePrinter::close() {
   turn_.reset();
 }
 
-/// If the locks cannot be used, the job is printed without a lock: printing matters more than the
-/// order.
+/// Waits until other jobs have released the printer. If the locks of the system cannot be used, the
+/// job does not wait: it is more important to print the job than to keep all jobs in order.
 void QueuePrinter::takeTurn() {
   try {
     turn_ = takeDevice(deviceIdentity(parseDeviceSpec(uri_.device)), longestTurn, onWait_);

@@ -15,9 +15,9 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// A job's record is sure to contain the hold only if it was written at least this many milliseconds
-// after the outcome was reported as unknown. An earlier record may be from just before the
-// scheduler held the job.
+// If the scheduler wrote a job's record at least this many milliseconds after the outcome was
+// reported as unknown, the record certainly says that the job is held. An older record may have
+// been written just before the scheduler held the job.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {
@@ -53,8 +53,8 @@ std::optional<std::int64_t> schedulerStart(int scheduler) {
   if (!ticks) {
     return std::nullopt;
   }
-  // The end of the tick in which this scheduler was started. Until then, the previous scheduler may
-  // have written records.
+  // The end of the tick in which this scheduler was started. Until this time, the previous
+  // scheduler may have written records.
   const std::int64_t start = (*ticks + 1) * millisInSecond / ::sysconf(_SC_CLK_TCK);
   return millisecondsNow() - (millisSinceBoot() - start);
 }

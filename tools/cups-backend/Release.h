@@ -12,16 +12,17 @@ namespace quordalvane::cups {
 /// process.
 std::optional<std::int64_t> schedulerStart(int scheduler);
 
-/// Returns true if this job was started because a person has released it. The outcome of the job
-/// was reported as unknown at the time `told`, and the scheduler then held the job. A scheduler
-/// that knows of the hold starts the job only if a person releases it. But if a scheduler was
-/// killed before it saved the hold in the job's record, `controlFile`, the next scheduler starts
-/// the job by itself.
+/// Returns true if this job was started because a person has released it.
 ///
-/// The scheduler that started this job knew of the hold in two cases: it is the one that held the
-/// job, or it has read a record that an earlier scheduler wrote after the hold. In these cases the
-/// result is true. In all other cases a release is uncertain, and the result is false.
-/// `schedulerStart` is the start of the present scheduler, empty if unknown. All times are
+/// At the time `told`, a person was told that the outcome of the job is unknown. The scheduler then
+/// held the job. A scheduler that knows that the job is held starts the job only if a person
+/// releases it. But if a scheduler is killed before it has written to the job's record,
+/// `controlFile`, that the job is held, the next scheduler starts the job by itself.
+///
+/// The result is true in two cases: the scheduler that started this job is the one that held it, or
+/// it has read a record that an earlier scheduler wrote after the job was held. In all other cases
+/// it is uncertain whether a person released the job, and the result is false. `schedulerStart` is
+/// the time at which the present scheduler was started, empty if unknown. All times are
 /// milliseconds since 1970.
 bool isReleased(std::int64_t told, std::optional<std::int64_t> schedulerStart,
                 const std::filesystem::path& controlFile);
