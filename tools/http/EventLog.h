@@ -45,8 +45,8 @@ class EventLog {
 Text eventText(std::string_view name, std::string_view data,
                std::optional<std::uint64_t> number = std::nullopt);
 
-/// One reader of a log. It reads the texts that it is given at the beginning, and after them each
-/// event, at its own pace.
+/// One reader of a log, which reads at its own pace. It first reads the texts that the constructor
+/// was given, and then each event of the log.
 class EventReader {
  public:
   /// Reads the texts of `first`, then the events after number `after`. The log must outlive this

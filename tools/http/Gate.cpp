@@ -99,8 +99,9 @@ std::optional<Refusal> Gate::refuses(const Visit& visit) const {
   return std::nullopt;
 }
 
-// Any IP address is accepted, because a server that listens on all interfaces cannot list its own.
-// This is safe: a host name can be redirected to this machine, but an IP address cannot.
+// A request may name any IP address as its host, because a server that listens on all interfaces
+// cannot list its own addresses. This is safe: an attacker can redirect a host name to this
+// machine, but not an IP address.
 bool Gate::isOurHost(std::string_view text) const {
   const auto host = parsed(text);
   if (!host || host->port != endpoint_.port) {

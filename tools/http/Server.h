@@ -43,16 +43,16 @@ struct Answer {
 /// Returns an answer with a text of this content type.
 Answer answerWith(std::string text, std::string type = "application/json");
 
-/// Returns an answer that refuses the request: {"ok": false, "error": why}. `why` must need no
-/// escapes in JSON.
+/// Returns an answer that refuses the request: {"ok": false, "error": why}. `why` must not contain
+/// characters that need an escape in JSON.
 Answer refusal(unsigned status, const std::string& why);
 
 /// A web server that works in the event loop of its owner: it never waits for a client and starts
 /// no thread. All calls are made on the owner's thread.
 ///
-/// The limits below prevent a client from blocking others. A request that takes too long is cut
-/// off. If there are too many connections, a new one replaces the one that has waited longest. A
-/// reader of events that is too slow is disconnected.
+/// The limits below prevent a client from blocking others. The connection of a client that takes
+/// too long is closed. If there are too many connections, a new one replaces the one that has
+/// waited longest. A reader of events that is too slow is disconnected.
 class Server {
  public:
   using Time = std::chrono::nanoseconds;  ///< read from the owner's steady clock
