@@ -32,8 +32,8 @@ bool openNothing(pappl_device_t* /*device*/, const char* /*uri*/, const char* /*
 
 void closeNothing(pappl_device_t* /*device*/) {}
 
-// These functions fail, so that the framework exchanges no bytes with the printer. The framework
-// could not report the outcome of a job.
+// These functions always fail. The framework must not exchange bytes with the printer itself,
+// because the framework cannot report the outcome of a job.
 ssize_t readNothing(pappl_device_t* /*device*/, void* /*buffer*/, size_t /*size*/) {
   return -1;
 }

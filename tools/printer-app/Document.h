@@ -20,12 +20,12 @@ namespace quordalvane::printer_app {
 /// | `page` | after each page |
 /// | `none` | never |
 ///
-/// Any call throws RenderError if the job is too large for the machine.
+/// Any call throws RenderError if the job exceeds the size limit of a job.
 class Document {
  public:
-  /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands. To `Raw`
-  /// commands, a cut is added only if the job asks for one, and only a drawer pulse may be sent
-  /// before the commands.
+  /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands. Raw commands
+  /// get a paper cut only if the job asks for one. Nothing but a drawer pulse is ever sent before
+  /// them.
   enum class Kind { Rendered, Raw };
 
   Document(pappl_job_t* job, const pappl_pr_options_t& options, Kind kind);
@@ -56,7 +56,8 @@ class Document {
 };
 
 /// Read the file of the job's document: piece by piece, or as a whole. Throw RenderError if the
-/// file cannot be read or is larger than any job.
+/// file cannot be read. `wholeDocument` also throws RenderError if the file exceeds the size limit
+/// of a job.
 void readDocument(pappl_job_t* job, const render::Output& take);
 std::vector<std::uint8_t> wholeDocument(pappl_job_t* job);
 

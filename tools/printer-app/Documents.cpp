@@ -22,8 +22,8 @@ unsigned headDots(pappl_job_t* job) {
   return model == nullptr ? everyModel().front().dots : model->dots;
 }
 
-// Turns an exception into the job's message, and returns false, because the framework is written in
-// C.
+// Runs `work`. If it throws, its error becomes the job's message and the result is false, because
+// the framework is written in C and cannot catch exceptions.
 template <typename Work>
 bool guarded(pappl_job_t* job, Work work) {
   try {
@@ -133,8 +133,8 @@ void addCommandDocuments(pappl_pr_driver_data_t& data) {
 void addRenderedDocuments(pappl_system_t* system) {
   papplSystemAddMIMEFilter(system, "text/plain", "image/pwg-raster", printText, nullptr);
   papplSystemAddMIMEFilter(system, waitingRasterType, "image/pwg-raster", printRaster, nullptr);
-  // The framework has its own filters for pictures, which convert to raster. The filters that are
-  // added here have precedence, and print exactly as the command `quorport` does.
+  // The framework has filters of its own, which convert pictures to raster. The filters that are
+  // added here have precedence, and print pictures exactly as the command `quorport` does.
   for (const char* const commands : commandTypes) {
     papplSystemAddMIMEFilter(system, "image/png", commands, printPicture, nullptr);
     papplSystemAddMIMEFilter(system, "image/jpeg", commands, printPicture, nullptr);

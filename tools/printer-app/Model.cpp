@@ -55,8 +55,9 @@ void describeRaster(pappl_pr_driver_data_t& data) {
   data.num_resolution = 1;
   data.x_resolution[0] = data.y_resolution[0] = resolution;
   data.x_default = data.y_default = resolution;
-  // Only grey pages are accepted. The framework converts other pages to dots by the size of the
-  // medium: it would cut off a page of another size, or write past its buffer.
+  // Only grey pages are accepted, because the framework would itself convert all other pages to
+  // dots. It would assume that a page has the size of the medium. If the page had another size, a
+  // part of the page would be lost, or the framework would write past its buffer.
   data.raster_types = PAPPL_PWG_RASTER_TYPE_SGRAY_8;
   data.color_supported = PAPPL_COLOR_MODE_AUTO | PAPPL_COLOR_MODE_MONOCHROME;
   data.color_default = PAPPL_COLOR_MODE_MONOCHROME;

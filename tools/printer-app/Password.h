@@ -11,8 +11,9 @@ namespace quordalvane::printer_app {
 /// password.
 ///
 /// The framework's version 1.3 accepts any password, because it compares a hash with itself. The
-/// framework computes the hash by its function `papplSystemHashPassword`. This program defines a
-/// function of that name, which replaces the library's and hashes the typed text.
+/// framework computes the hash with its function `papplSystemHashPassword`. This program defines a
+/// function of the same name, which hashes the typed text. The framework calls this function
+/// instead of its own.
 bool setPassword(pappl_system_t* system, const std::string& file);
 
 }  // namespace quordalvane::printer_app

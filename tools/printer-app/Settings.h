@@ -16,8 +16,8 @@ struct Settings {
   /// `state-directory`: the folder of the printers, the jobs and the journal
   std::filesystem::path folder = "/var/lib/quorport-printer-app";
 
-  /// `password-file`: a file with the password of the web page; required to listen to other
-  /// machines
+  /// `password-file`: a file with the password of the web page. Required if other machines can
+  /// connect.
   std::string passwordFile;
 
   /// `upload-timeout`: the time after which a client that sends nothing is disconnected

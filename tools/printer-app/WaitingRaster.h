@@ -6,13 +6,14 @@ namespace quordalvane::printer_app {
 ///
 /// If such a document kept its own format, the framework would print the document while it arrives,
 /// would refuse every other document meanwhile, and would forget the document at a restart. A
-/// document of this format gets a file and waits until it can be printed. The framework reads a
-/// request by a function of the print system's library, `ippRead`. This program defines a function
-/// of that name, which the framework calls instead. This program's `ippRead` marks raster data in a
-/// request as a document of this format.
+/// document of this format gets a file and waits until it can be printed.
 ///
-/// This constant is defined beside that function, because a linker adds the function to the program
-/// only if the program uses something of the same source.
+/// The framework reads each request with `ippRead`, a function of the print system's library. This
+/// program defines a function of the same name, which the framework calls instead. If a request
+/// contains raster data, the program's function marks them as a document of this format.
+///
+/// This constant is defined in the same source as `ippRead`. A linker adds that function to the
+/// program only if the program uses something else of that source.
 extern const char* const waitingRasterType;
 
 }  // namespace quordalvane::printer_app
