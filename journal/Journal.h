@@ -48,7 +48,7 @@ struct JobRecord {
 enum class Forgetting {
   Forgotten,     ///< the job was removed
   Unknown,       ///< there was no job of this name
-  BeingPrinted,  ///< a process is printing the job; it was not removed
+  BeingPrinted,  ///< the job was not removed, because a process is printing it
 };
 
 /// A file that records named jobs, so that their outcomes outlive the process. It is an SQLite

@@ -16,9 +16,9 @@ namespace quordalvane {
 /// memory do not work between machines.
 std::optional<std::string_view> networkFileSystem(unsigned long type);
 
-/// Returns the path of `file` with all symbolic links resolved. Creates missing folders above it,
-/// which only this user may use, and writes them to disk. Throws `JournalError` if this fails, or
-/// if a folder is on a network file system, or if the file has more than one hard link.
+/// Returns the path of `file` with all symbolic links resolved. If folders of this path are
+/// missing, creates them for this user only and writes them to disk. Throws `JournalError` if a
+/// step fails, if a folder is on a network file system, or if the file has more than one hard link.
 std::filesystem::path preparedPath(const std::filesystem::path& file);
 
 /// Creates an empty journal that only this user may read and write. The file gets its name only

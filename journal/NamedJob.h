@@ -107,9 +107,9 @@ class QUOR_EXPORT NamedJob {
   /// port. Exceptions of `PrintJob::run` pass through.
   NamedJobResult run(PrintJob& job);
 
-  /// Records that a person is being told now that nobody knows whether the job is on paper. Later
-  /// answers contain this time as `told`. Has no effect if the journal does not know the name.
-  /// Throws `JournalError` if the journal cannot be written.
+  /// Records the present time as the time at which a person learns that the outcome is unknown.
+  /// Later answers contain this time as `told`. Has no effect if the journal does not know the
+  /// name. Throws `JournalError` if the journal cannot be written.
   void tell();
 
   /// Records `result` without running the job, for example because the printer could not be

@@ -13,7 +13,8 @@ std::vector<Attempt> rowsOf(Database& database, std::string_view name);
 /// Returns all rows, ordered by name and number.
 std::vector<Attempt> allRows(Database& database);
 
-// These functions change a row and the seal together. The caller must have begun a transaction.
+// Each of these functions inserts or deletes a row, and also changes the seal, the digest of all
+// rows (see Seal.h). The caller must have begun a transaction.
 
 void insertRow(Database& database, const Attempt& row);
 void deleteRow(Database& database, const Attempt& row);

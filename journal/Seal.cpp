@@ -28,7 +28,8 @@ Sha256::Digest digestOf(const Attempt& row) {
         row.outcome, std::to_string(row.bytesAccepted), row.reason}) {
     add(hash, text);
   }
-  if (!row.proof.empty()) {  // rows of the first version have no proof and keep their digest
+  // Version 1 of the journal recorded no proof. The digests of its rows must not change.
+  if (!row.proof.empty()) {
     add(hash, row.proof);
     add(hash, std::to_string(static_cast<int>(row.obstacle)));
   }
