@@ -17,8 +17,9 @@ namespace quordalvane {
 /// `lose`.
 class LogQueue {
  public:
-  /// The records that the writer takes together, and the number of records that were dropped after
-  /// them, before the next batch. Records are dropped only while other records are queued.
+  /// The records that the writer takes together. The queue may have dropped the records that
+  /// followed them; `dropped` is the number of the dropped records. Records are dropped only while
+  /// other records are queued.
   struct Batch {
     RecordBatch records;        ///< in the order in which they were pushed
     std::uint64_t dropped = 0;  ///< number of records dropped after the last of `records`
@@ -79,23 +80,23 @@ class LogQueue {
   void close() noexcept;
   /// @}
 
-  /// Waits for a first record, and after it for more records, at most for the gather time. Then
-  /// swaps all queued records with `batch`, which must be empty. The wait for more records ends
-  /// early if the queue is half full or closed. Returns false at once if the queue is closed and
-  /// empty.
+  /// Waits for a first record. After the first record, waits for more records until the gather time
+  /// has passed, or until the queue is half full or closed. Then swaps all queued records with
+  /// `batch`, which must be empty, and returns true. Returns false at once if the queue is closed
+  /// and empty.
   ///
-  /// The queue then uses the memory of `batch`, after it has enlarged this memory to the capacity
-  /// of the queue. If memory is short, the queue can hold only as many records as `batch` has room
-  /// for. `batch` must have room for at least one record.
+  /// After the swap, the queue uses the memory of `batch`. Before the swap, `take` enlarges this
+  /// memory to the capacity of the queue. If memory is short, the queue can hold only as many
+  /// records as `batch` has room for. `batch` must have room for at least one record.
   bool take(Batch& batch);
 
-  /// Adds `records` to the number of finished records: the sinks have received this many of the
-  /// records that `take` returned.
+  /// Counts `records` further records as finished. `take` has returned these records, and the sinks
+  /// have received them.
   void finish(std::size_t records);
 
-  /// Adds `records` to the number of dropped records: no sink has received this many of the records
-  /// that `take` returned. These records also count as finished, so that `waitUntilFinished` does
-  /// not wait for them.
+  /// Counts `records` further records as dropped. `take` has returned these records, but no sink
+  /// has received them. They also count as finished, so that `waitUntilFinished` does not wait for
+  /// them.
   void lose(std::size_t records);
 
   /// Waits until every record queued so far is finished. Returns false if this takes longer than

@@ -14,8 +14,9 @@ namespace quordalvane {
 /// whatever bytes the texts of the record contain.
 QUOR_EXPORT void appendJsonLine(std::string& out, const LogRecord& record);
 
-/// Appends the record as one line for people. The line has the fields of the JSON object in the
-/// same order, except the number of the type. Control characters are escaped.
+/// Appends the record as one line for people, followed by a line feed. The line has the fields that
+/// `appendJsonLine` writes, in the same order, but not the number of the type. Control characters
+/// are escaped.
 QUOR_EXPORT void appendReadableLine(std::string& out, const LogRecord& record);
 
 }  // namespace quordalvane

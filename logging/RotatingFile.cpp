@@ -97,7 +97,7 @@ void RotatingFile::writeBuffer() {
     throw std::system_error(outcome.error, "cannot write to " + path_);
   }
   lines.clear();
-  buffer_.swap(lines);  // keeps the memory of the buffer
+  buffer_.swap(lines);  // so that the buffer keeps its allocated memory
 }
 
 /// If `written` ends in the middle of a line, removes this incomplete line from the file.
