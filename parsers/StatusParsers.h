@@ -9,11 +9,11 @@
 
 namespace quordalvane {
 
-/// The ESC/POS status queries.
+/// The ESC/POS status queries, with their bytes in hexadecimal.
 enum class StatusType : std::uint32_t {
-  CashDrawer = 0,  ///< sent by the command 10 04 01
-  CoverOpen = 1,   ///< sent by the command 10 04 02
-  PaperEmpty = 2,  ///< sent by the command 10 04 04
+  CashDrawer = 0,  ///< the query 10 04 01
+  CoverOpen = 1,   ///< the query 10 04 02
+  PaperEmpty = 2,  ///< the query 10 04 04
   All = 3,         ///< all three queries; no single byte answers them
 };
 

@@ -12,9 +12,10 @@ class QUOR_EXPORT NSThread {
  public:
   virtual ~NSThread() = default;
 
-  /// Starts the thread. May be called once. Returns false if the system cannot create the thread;
-  /// the function that the thread should run is then never called, and is destroyed before `start`
-  /// returns. If the thread was created, this function is destroyed after it has returned.
+  /// Starts the thread. May be called once. Returns true if the system has created the thread; the
+  /// function of the thread is then destroyed after it has ended. Returns false if the system
+  /// cannot create the thread; the function is then never called, and is destroyed before `start`
+  /// returns.
   virtual bool start() = 0;
 
   /// Marks the thread as cancelled. This is only a request and does not end the thread.
