@@ -16,8 +16,8 @@ class CodePage {
   /// Creates a code page with only ASCII, which every printer can print.
   CodePage();
 
-  /// `text` is a page number that most ESC/POS printers share, for example 16, or, for a printer
-  /// with other numbers, NUMBER:NAME, for example 6:1251. A number is from 0 to 255. Throws
+  /// `text` is a page number that most ESC/POS printers share, for example 16. For a printer with
+  /// other numbers, `text` is NUMBER:NAME, for example 6:1251. A number is from 0 to 255. Throws
   /// RenderError if `text` has another form, if a number without a name is not a shared number, or
   /// if this system does not know the page.
   explicit CodePage(std::string_view text);

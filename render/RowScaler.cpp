@@ -5,8 +5,8 @@
 namespace quordalvane::render {
 namespace {
 
-// A line of `whole` source pixels is scaled to a line of `parts` pixels. Returns the source
-// position at which pixel `number` of the scaled line begins.
+// Returns the source position at which pixel `number` of a scaled line begins. The source line has
+// `whole` pixels, and the scaled line has `parts` pixels.
 unsigned begin(std::uint64_t number, unsigned whole, unsigned parts) {
   return static_cast<unsigned>(number * whole / parts);
 }
