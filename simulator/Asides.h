@@ -18,7 +18,7 @@ class Asides {
   /// Moves the print position to just before the queued byte number `position`.
   void pass(std::uint64_t position);
 
-  /// Returns how many of the added bytes are before the print position.
+  /// Returns how many of the added bytes the print position has passed.
   std::uint64_t passed() const { return passed_; }
 
  private:

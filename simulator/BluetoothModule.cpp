@@ -17,8 +17,8 @@ constexpr std::size_t escapeLength = 3;
 constexpr std::string_view askAddress = "AT*AILBA?";
 constexpr std::string_view dropLink = "AT*AMWS=10,0,0,0,1,0";
 
-// The length of the longest known command. Of a longer command, one more byte than this length is
-// kept, so that the kept bytes are not equal to a known command.
+// The length of the longest known command. If a command is longer, the module keeps one byte more
+// than this length. So the kept bytes differ from every known command.
 constexpr std::size_t longestCommand = dropLink.size();
 
 }  // namespace

@@ -14,7 +14,8 @@ enum class MultiByte : std::uint8_t { None, ShiftJis, Gb18030, Big5, EucKr };
 /// be copied and compared.
 class CharacterSets {
  public:
-  /// Sets the code-page numbers of most ESC/POS printers, and the Japanese encoding.
+  /// Creates character sets with the code-page numbers that most ESC/POS printers share, and with
+  /// the Japanese multi-byte encoding.
   CharacterSets();
 
   /// Returns the name of the code page that the command 1b 74 (hex) selects by this number; empty

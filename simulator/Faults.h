@@ -58,7 +58,7 @@ struct FaultPart {
   std::string_view before;  ///< the text between this part and the previous one
   std::string_view label;   ///< the meaning of this part of the value, in a word or two
   enum class Kind { Number, Hex, Text, Ending, Reply, Proof } kind;
-  bool isOptional = false;  ///< may be omitted, together with `before`
+  bool isOptional = false;  ///< true if this part and the text `before` it may be omitted
 };
 
 /// The name of a fault and the form of its value. The value consists of the parts, in order. If
@@ -70,7 +70,7 @@ struct FaultForm {
   std::span<const FaultPart> parts;
 };
 
-/// Returns the forms of all faults.
+/// Returns one `FaultForm` for each fault, and one for the setting `seed`.
 std::vector<FaultForm> faultForms();
 
 /// Returns the words that a part accepts; empty if the part is a number or any text.

@@ -267,8 +267,9 @@ GraphicsMemory::Outcome GraphicsMemory::erase(unsigned first, unsigned last) {
   return Outcome::Stored;
 }
 
-// The command is 1c 71 n, followed for each image by its size in units of eight dots and by its
-// columns. The images replace all earlier images of this memory.
+// The command is 1c 71 n, followed by n images. Each image begins with its width and its height in
+// units of eight dots; its dots follow, column by column. The images replace all earlier images of
+// this memory.
 GraphicsMemory::Outcome GraphicsMemory::storeNumbered(ByteView command) {
   erase(numberedMemory, numberedMemory + memorySize);
   std::size_t at = 3;

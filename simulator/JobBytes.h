@@ -7,8 +7,8 @@
 
 namespace quordalvane::simulator {
 
-/// Holds the received bytes: first those of the current job, then those that are not printed yet.
-/// Of a long job it holds only the first bytes.
+/// Collects the bytes of each job. Received bytes wait in a queue; after they are printed, `pass`
+/// moves them to the current job. Of a long job only the first bytes are kept.
 class JobBytes {
  public:
   static constexpr std::size_t mostKept = std::size_t{1} << 20U;

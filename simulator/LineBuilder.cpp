@@ -34,9 +34,9 @@ void LineBuilder::add(std::u32string_view text, const TextStyle& style, Paper& p
   }
 }
 
-// Returns true if further pieces are useless. Side by side, at most as many pieces fit as the line
-// has dots; further pieces are printed over earlier ones. A job could add such layers for ever, but
-// after a few layers no change is visible.
+// Returns true if further pieces are useless. Each piece is at least one dot wide. So a line of n
+// dots has space for at most n pieces side by side, and further pieces are printed over earlier
+// pieces. A job could add such layers for ever, but after a few layers no change is visible.
 bool LineBuilder::isFull() const {
   constexpr std::size_t mostLayers = 8;
   return line_.items.size() >= mostLayers * paperWidth_;

@@ -20,8 +20,9 @@ class Macro {
   void keep(ByteView command);
 
   /// Executes the command 1d 5e: starts to execute the macro `times` times. Returns false if there
-  /// is nothing to execute, because no macro is defined or the job has reached its limit. If the
-  /// definition of the macro has not ended, it is lost, and the result is false.
+  /// is nothing to execute, because no macro is defined or the job has executed
+  /// `mostCommandsOfAJob` commands. If the definition of the macro has not ended, it is lost, and
+  /// the result is false.
   bool execute(unsigned times);
 
   /// Returns the next command to execute; null if there is none. Valid until the next call.
@@ -30,12 +31,13 @@ class Macro {
   /// Ends the current execution.
   void stop() { left_ = 0; }
 
-  /// Resets the limit for the next job.
+  /// Ends the job. The next job may again execute `mostCommandsOfAJob` commands of macros.
   void endJob() { carriedOut_ = 0; }
 
   static constexpr std::size_t mostBytes = 2048;
 
-  /// The limit for one job; without it, a few bytes could keep the printer busy for ever.
+  /// How many commands of macros one job may execute. Without this limit, a few bytes could keep
+  /// the printer busy for ever.
   static constexpr std::size_t mostCommandsOfAJob = 100'000;
 
  private:

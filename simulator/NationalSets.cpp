@@ -6,7 +6,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The ASCII characters whose bytes differ from set to set.
+// The bytes that have different characters in different sets, written as their ASCII characters.
+// Each text in `sets` lists the characters of one set for these bytes, in the same order.
 constexpr std::string_view places = "#$@[\\]^`{|}~";
 
 constexpr std::u32string_view sets[] = {

@@ -71,8 +71,8 @@ struct LineItem {
   unsigned height() const;
 };
 
-/// The horizontal place of a line: the `room` dots that follow the first `left` dots of the print
-/// area. If `room` is 0, the place is all dots after the first `left`.
+/// The horizontal place of a line in the print area. The place begins after the first `left` dots,
+/// and its width is `room` dots. If `room` is 0, the place ends where the print area ends.
 struct Place {
   Alignment alignment = Alignment::Left;
   unsigned left = 0;

@@ -9,9 +9,9 @@
 
 namespace quordalvane::simulator {
 
-/// The bytes in a printer's buffer, which it prints at its speed. Each byte is finished at an exact
-/// time, which does not depend on when `take` is called. The bytes of a command take effect with
-/// its last byte.
+/// The bytes in a printer's buffer. The printer prints these bytes at its speed. Each byte is
+/// finished at an exact time, which does not depend on when `take` is called. A command takes
+/// effect when its last byte is finished.
 class PrintQueue {
  public:
   struct Taken {

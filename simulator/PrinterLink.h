@@ -35,9 +35,9 @@ class PrinterLink {
   /// full, and 0 after the link has dropped.
   std::size_t space(Instant now);
 
-  /// Sends bytes to the printer, which may accept only the first of them. Returns the count of
-  /// accepted bytes, normally at most `space(now)`. A printer whose buffer is full still accepts
-  /// requests, if no other bytes precede them.
+  /// Sends bytes to the printer. The printer may accept only a first part of `bytes`. Returns the
+  /// count of accepted bytes, normally at most `space(now)`. A printer whose buffer is full still
+  /// accepts requests if `bytes` begins with them.
   std::size_t write(ByteView bytes, Instant now);
 
   /// Returns the count of bytes that can be read now.
@@ -71,12 +71,12 @@ class PrinterLink {
   std::optional<Instant> nextEvent(Instant now);
 
  private:
-  struct Coming {  // a setting or fault that a fault of the kind `At` applies later
+  struct Coming {  // the change that a fault of the kind `At` makes at the time `due`
     Instant due;
-    std::string key;
+    std::string key;  // the name of a setting or of another fault
     std::string value;
   };
-  struct Stall {  // a fault: after a count of bytes, there is no space for a while
+  struct Stall {  // after `afterBytes` bytes, the link has no space for the time `length`
     std::uint64_t afterBytes;
     Instant length;
     std::optional<Instant> until;  // when the stall ends; empty until the stall begins
