@@ -4,8 +4,8 @@
 
 namespace quordalvane::bench {
 
-// Returns the groups of rows. Each function can be called alone, and in any order.
-// docs/performance.md explains the rows.
+// Each function measures and returns one group of the report's rows. One function can be called
+// without the others, and they can be called in any order. docs/performance.md explains the rows.
 
 Rows lineStatusOverTcp();    // B1
 Rows escposStatusOverTcp();  // B2

@@ -1,5 +1,5 @@
 // Measures how much longer a job takes if it has a name, because the journal then records it. The
-// rows compare the journal with SQLite alone, which commits the same data.
+// report's rows compare the journal with SQLite alone, which commits the same data.
 
 #include <sqlite3.h>
 #include <sys/syscall.h>
@@ -155,8 +155,9 @@ void measureOnce(Pairs<Cost>& pairs) {
   pairs.limit.push_back({.milliseconds = median(bare) * 1000, .jobsASecond = 1 / median(bare)});
 }
 
-/// Returns how often a job makes the disk sync. `Store` is opened in a copy of this process. When
-/// the copy of the process ends, its file is closed, which syncs the file once more.
+/// Returns the number of disk syncs for one job. `systemCallsOf` opens the store in a copy of this
+/// process. `store` is declared outside the copied code, so that its destructor, which would sync
+/// once more, does not run in the copy.
 template <typename Store, typename Commit>
 double syncsOfAJob(Commit commit) {
   const auto syncsOf = [&](int count) {

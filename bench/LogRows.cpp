@@ -184,7 +184,7 @@ Figures secondsOfCalls(const Load& load, const Logger& logger) {
 
 struct CallerView {
   double middle;
-  double slow;  // the time that one call in a hundred exceeds
+  double slow;  // 99 of 100 calls take at most this time
   double dropped;
 };
 

@@ -19,15 +19,16 @@ double lowest(const Figures& figures);
 double highest(const Figures& figures);
 double sum(const Figures& figures);
 
-/// The results of both sides. The two results of a pair were measured together.
+/// The results of our code, and of the limit with which our code is compared. Results with the same
+/// index are a pair; they were measured at nearly the same time.
 template <typename Result>
 struct Pairs {
   std::vector<Result> ours;
   std::vector<Result> limit;
 };
 
-/// Measures the two sides alternately. Each pair begins with the side that was second in the
-/// previous pair, so that other work on the machine affects both sides alike.
+/// Measures our code and the limit alternately. Each pair begins with the one that was second in
+/// the previous pair, so that other work on the machine affects both alike.
 template <typename Ours, typename Limit>
 auto alternate(Ours measureOurs, Limit measureLimit) {
   Pairs<std::invoke_result_t<Ours>> pairs;

@@ -44,7 +44,7 @@ double microsecondsAt(Measure measure) {
   Peer peer(Core::First);
   peer.answerAll(*endpoint);
   const double seconds = measure(std::to_string(tcpPort(*endpoint)));
-  ::close(endpoint->connect());  // a connection that closes without a byte ends the peer
+  ::close(endpoint->connect());  // this connection without a byte makes the peer end
   return seconds * microsecond;
 }
 
@@ -54,7 +54,8 @@ double secondsOfScript(const std::string& port) {
   return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
 }
 
-/// Measures the time from the start of the command until the last of the three bytes.
+/// Returns the time from the start of the command until it has written the last of the three status
+/// bytes.
 double secondsOfCommand(const std::string& port, const std::string& program) {
   constexpr int runs = 5;
   const std::string command = QUOR_BENCH_PEERS "/status_command.sh " + program + " " + port;

@@ -1,5 +1,5 @@
-// Draws a bar for each row: our figure divided by the limit, on a scale that doubles with each
-// step.
+// Draws a bar for each row of the report whose limit is not zero. The bar shows our figure divided
+// by the row's limit. Each step of the scale doubles this ratio.
 
 #include <algorithm>
 #include <cmath>

@@ -11,7 +11,7 @@ struct ReceiptKind {
   ReceiptPrinter::Confirms confirms;
   ZKEmulation emulation;
   const char* keys;        ///< the part of the device text that names the proof; may be empty
-  const char* goalOfSign;  ///< the longest time until the port notices the confirmation
+  const char* goalOfSign;  ///< how soon the port should notice the confirmation
 };
 
 inline constexpr ReceiptKind receiptKinds[] = {

@@ -60,8 +60,7 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// Returns the exchanges before the receipt: all turns before the turn that contains the first byte
-/// of the receipt.
+/// Returns the turns before the turn in which the printer received the first byte of the receipt.
 std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> turns) {
   std::size_t count = 0;
   for (const auto& turn : turns) {
@@ -74,8 +73,8 @@ std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> 
   return turns;
 }
 
-/// Exchanges the same bytes by direct system calls: for each turn, writes once and waits for the
-/// answer.
+/// Repeats `turns` by direct system calls. For each turn, writes the bytes that the printer
+/// received, and waits for its answer if there was one.
 void exchange(BareLink& bare, const std::vector<ReceiptPrinter::Turn>& turns) {
   std::array<std::uint8_t, 64> answer;
   for (const auto& turn : turns) {

@@ -17,19 +17,20 @@ struct Heading {
   std::string unit;
 };
 
-/// Values that show how much the ratios of the pairs differ.
+/// The spread of the ratios. Each pair of measurements has one ratio: our result divided by the
+/// limit.
 struct Spread {
   double median;
   double lowest;
   double highest;
 };
 
-/// One line of the report: our figure, and the limit with which it is compared.
+/// One line of the report: our figure, and the limit with which this figure is compared.
 struct Row {
   Heading heading;
   double ours = 0;
   double limit = 0;
-  std::optional<Spread> spread = std::nullopt;  // the spread of the ratios; empty if it is zero
+  std::optional<Spread> spread = std::nullopt;  // empty if the row compares no pairs
   // The figures of other ways to do the same work, in the row's unit.
   std::map<std::string, double> peers = {};
 
@@ -41,8 +42,8 @@ using Rows = std::vector<Row>;
 
 enum class Best { Lowest, Highest };
 
-/// Returns a row with the best figure of each side, times `scale`, and with the spread of the
-/// pairs.
+/// Returns a row with our best result and the limit's best result, each multiplied by `scale`, and
+/// with the spread of the ratios.
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale = 1);
 
 /// How a cost grows with the amount of work; one line for each amount.
