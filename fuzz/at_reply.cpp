@@ -3,9 +3,10 @@
 
 using namespace quordalvane;
 
-/// Tests replies of the Bluetooth module. The first byte sets how many characters are requested,
-/// and whether they follow a title. The rest is the reply, in which each byte 80 (hex) begins a new
-/// piece. The port and the test's model of the port must agree in everything.
+/// Tests replies of the Bluetooth module. The first byte sets the time-out, whether the reply must
+/// contain a title, and how many characters after the title are requested. The other bytes are the
+/// reply, in which each byte 80 (hex) begins a new piece. The port and the test's model of the port
+/// must agree in everything.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::uint8_t how = input.byte();

@@ -7,8 +7,9 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is the lines of a request: method, path, host, origin, content type. An accepted
-/// request must contain the token, name this machine by an IP address, and have no other origin.
+/// The input is the lines of a request: method, path, host, origin, content type. The path of an
+/// accepted request must begin with the token. Its host must be `localhost` or an IP address, and
+/// its origin must be empty or equal to the host.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const http::Gate gate({.host = "127.0.0.1", .port = 8080}, "secret");
   std::istringstream lines(std::string(data, data + size));

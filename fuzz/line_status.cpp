@@ -5,8 +5,9 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is a record with any content; the length in the record may also be wrong. Every field
-/// must be derived from the reply. The reply itself must not change.
+/// The input is a status record with any content. The record contains a reply and its length, which
+/// may be wrong. The parser must derive every other field from the reply, and must not change the
+/// reply.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const QuorPrinterStatus_2 before = fuzz::recordFrom(data, size);
   QuorPrinterStatus_2 record = before;

@@ -7,9 +7,9 @@
 using namespace quordalvane;
 using fuzz::require;
 
-/// The input is the texts of a record, each ended by a zero byte; the rest is the message. The text
-/// form and the JSON form must each be one line without control characters. The JSON must return
-/// every valid text unchanged.
+/// The input is the method and the object of a log record, each ended by a zero byte, and then the
+/// message. The text form and the JSON form must each be one line without control characters. A
+/// valid message must be unchanged after the JSON is parsed.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::string method = input.text();

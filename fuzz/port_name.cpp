@@ -42,8 +42,8 @@ bool isPrinter(EAAccessory& accessory) {
 }  // namespace
 
 /// The input is texts, each ended by a zero byte: the port name, and an accessory's name, serial
-/// number, model, maker and address. The accessory must be opened exactly if it is a printer and
-/// the port name matches it.
+/// number, model, maker and address. If the accessory is a printer and matches the port name, the
+/// port must open it; otherwise the port must not open it.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Input input(data, size);
   const std::string portName = input.text();
