@@ -19,7 +19,8 @@ endif()
 set(GNUSTEP_FOUND TRUE)
 set(CMAKE_OBJCXX_COMPILER ${QUOR_OBJCXX_COMPILER})
 set(CMAKE_OBJCXX_STANDARD 20)
-# Objective-C++ has another compiler, which must not decide how C++ headers are precompiled.
+# The compiler for Objective-C++ is not the compiler for C++. So its settings for precompiled
+# headers, which `enable_language` writes, are replaced by those of the C++ compiler.
 set(pch_extension ${CMAKE_PCH_EXTENSION})
 set(pch_prologue ${CMAKE_PCH_PROLOGUE})
 enable_language(OBJCXX)

@@ -1,14 +1,15 @@
-# Defines libQuorIOPort, the library that programs link, as a shared and as a static library, and the files that are
-# installed with it. The library contains the targets in the list `rooms`. Headers are installed below
-# include/quordalvane/, in the same folders as in the tree. include/quordalvane/ is also in the include path, so that
-# programs write the same includes as the project's own sources.
+# Defines libQuorIOPort, the library that programs link, as a shared and as a static library. Also installs the library,
+# its headers and the command quorport. The library contains the targets in the list `rooms`. Headers are installed
+# below include/quordalvane/, in the same folders as in the tree. include/quordalvane/ is also in the include path, so
+# that programs write the same includes as the project's own sources.
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
 
 set(rooms quor_parsers quor_text quor_logging quor_platform quor_port quor_backend_common quor_virtual
           quor_posix quor_backends quor_job quor_c_interface)
 list(TRANSFORM rooms REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
-# Only the command draws pictures of the paper, so programs do not need the drawing library.
+# The library leaves out the sources that draw pictures of the paper, so that programs do not need the drawing library.
+# The command quorport contains these sources.
 list(APPEND objects $<FILTER:$<TARGET_OBJECTS:quor_simulator>,EXCLUDE,/drawing/>)
 
 # QUOR_EXPORT decides which names are exported: the sources are compiled with all other names hidden. The map adds the
