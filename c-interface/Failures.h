@@ -21,12 +21,13 @@ class QUOR_EXPORT CallFailure : public std::runtime_error {
   QuorCode code_;
 };
 
-/// Returns the code of the exception that is being handled, and stores its text for
+/// Returns the code of the exception that is being handled, and stores the exception's text for
 /// quor_last_error.
 QUOR_EXPORT QuorCode codeOfCurrentException() noexcept;
 
-/// Runs the body of a function of the C interface and returns its code. The body returns on success
-/// and throws on failure.
+/// Calls `body`, which does the work of a function of the C interface and throws on failure.
+/// Returns the code for the function's caller: QUOR_OK, the code that `body` returned, or the code
+/// of the exception.
 template <typename Body>
 QuorCode guarded(Body body) noexcept {
   try {

@@ -64,8 +64,9 @@ struct QuorPrintJob {
                                 }
                               }}) {}
 
-  /// Called before the job runs; a second call throws QUOR_USAGE. Sets the result for a run that
-  /// ends with an exception: the number of bytes sent is then unknown.
+  /// Must be called before the job runs. Sets the result that remains if the run ends with an
+  /// exception; this result does not say how many bytes were sent. A second call throws a
+  /// `CallFailure` with QUOR_USAGE.
   void begin(std::size_t size) {
     if (hasRun.exchange(true)) {
       throw quordalvane::c::CallFailure(QUOR_USAGE,
@@ -77,7 +78,7 @@ struct QuorPrintJob {
   }
 
   std::string waitsFor;  // the reason of the printer's pause; set while the job runs
-  Progress progress;     // may be empty; for a named job, this also records that the job began
+  Progress progress;     // may be empty; for a job with a name, the function records the start
   quordalvane::PrintJob job;
   quordalvane::PrintResult result;
   std::atomic<bool> hasRun = false;

@@ -1,5 +1,5 @@
-// The functions of the C interface that create, connect and use a port: bytes, status and the
-// checked block.
+// The functions of the C interface that create a port, connect it, write and read bytes, ask for
+// the status, and use the checked block.
 
 #include <utility>
 

@@ -27,7 +27,8 @@ struct Discovery {
 /// Finds the devices that could be printers: USB printers, paired Bluetooth printers, printers that
 /// announce themselves on the network, and serial lines, in this order. Opens no device and sends
 /// nothing to any device. The search takes two seconds, because it listens to the network for that
-/// time; the search for Bluetooth printers takes at most as long.
+/// time. The search for Bluetooth printers runs at the same time, and also takes at most two
+/// seconds.
 ///
 ///     for (const FoundDevice& found : discoverDevices().devices) {
 ///       std::cout << found.device << " is " << found.name << "\n";

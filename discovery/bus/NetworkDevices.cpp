@@ -29,8 +29,7 @@ constexpr auto rawPort = "_pdl-datastream._tcp";
 
 constexpr std::int32_t any = -1;  // means any interface or any protocol
 constexpr std::uint32_t noFlags = 0;
-constexpr std::uint32_t fromCache =
-    1;  // the service only remembers the announcement and has not received it now
+constexpr std::uint32_t fromCache = 1;  // a flag: the announcement is an old one, from a cache
 
 // No shop has so many printers. The limit protects against a flood of announcements.
 constexpr std::size_t mostAnnouncements = 100;
