@@ -9,8 +9,8 @@ namespace quordalvane::printer_app {
 std::string uriOf(const std::string& device);
 std::string deviceOf(const std::string& uri);
 
-/// Registers with the framework the scheme of the URIs. The framework can then list the devices
-/// that `discoverDevices` finds. It never opens a device; each job opens its own device.
+/// Registers the scheme of `uriOf` with the framework. The framework can then list the devices that
+/// `discoverDevices` finds. It never opens a device; each job opens its own device.
 void addDeviceScheme();
 
 }  // namespace quordalvane::printer_app

@@ -12,8 +12,8 @@ namespace quordalvane::printer_app {
 /// program defines a function of the same name, which the framework calls instead. If a request
 /// contains raster data, the program's function marks them as a document of this format.
 ///
-/// This constant is defined in the same source as `ippRead`. A linker adds that function to the
-/// program only if the program uses something else of that source.
+/// This constant is defined in the same source as the program's `ippRead`. A linker adds that
+/// function to the program only if the program uses something else of that source.
 extern const char* const waitingRasterType;
 
 }  // namespace quordalvane::printer_app
