@@ -8,7 +8,10 @@ namespace quordalvane::tool {
 
 /// Counts of a printer's actions since it was switched on.
 struct Counters {
-  std::uint64_t jobs = 0;  ///< how many papers were torn off, plus how many jobs printed nothing
+  /// The count of receipts that were torn off, and of jobs that printed nothing but did something
+  /// else, for example opened the drawer.
+  std::uint64_t jobs = 0;
+
   std::uint64_t cuts = 0;
   std::uint64_t drawer = 0;  ///< the count of pulses to the cash drawer
   std::uint64_t beeps = 0;

@@ -15,9 +15,9 @@ namespace quordalvane::tool {
 
 /// Carries bytes between a host and the printer's link. The connection to the host is called the
 /// line. This class reads from the line only as many bytes as the printer has space for, so that a
-/// slow printer slows its host down. It also reads a few more bytes, because even a full printer
-/// must see requests. If the host leaves, the printer still gets the host's last bytes when it has
-/// space for them.
+/// slow printer slows its host down. Even if the printer is full, this class reads a few bytes:
+/// they may be a status request, which a full printer must also answer. If the host leaves, the
+/// printer still gets the host's last bytes when it has space for them.
 class HostConnection {
  public:
   /// The link must outlive this object.
@@ -42,14 +42,14 @@ class HostConnection {
   /// Gives the line to the caller. Afterwards this object must not be used.
   std::unique_ptr<Line> release() { return std::move(line_); }
 
-  /// From now on, this object reads from the line even if the printer has no space, up to a limit.
-  /// Otherwise unread bytes would hide that the host has left. The reading ahead ends when the
-  /// printer has taken all bytes.
+  /// After this call, this object reads from the line even if the printer has no space, up to a
+  /// limit. If it did not, unread bytes would hide that the host has left. The reading ahead ends
+  /// when the printer has taken all bytes.
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }
 
-  /// Returns true if the host will send no more, and everything that it sent has been read from the
-  /// line.
+  /// Returns true if the host will send no more bytes, and all bytes that it sent have been read
+  /// from the line.
   bool hostEnded() const { return hostEnded_; }
 
   /// Returns true if the printer ended the connection.

@@ -28,7 +28,8 @@ class Links {
 
   /// Adds faults to the current link and to all later ones; sets the seed if `faults` contains one.
   /// The fault `cut` affects only one link: the current one, or the next one if there is none. A
-  /// fault or setting that is delayed by `at` takes effect on time, even if there is no link.
+  /// fault or setting that the fault `at` delays takes effect at its time, even if there is no
+  /// link.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
   /// Removes all faults, even delayed ones. The seed is kept.
@@ -45,7 +46,7 @@ class Links {
   std::optional<simulator::Instant> nextEvent() const;
 
  private:
-  struct Coming {  // a fault or setting that is delayed by `at`
+  struct Coming {  // a fault or setting that the fault `at` delays
     simulator::Instant due;
     simulator::Fault fault;
   };

@@ -9,8 +9,8 @@ namespace quordalvane::tool {
 
 /// A pseudo-terminal. Hosts open the terminal's other side as if it were a serial line.
 ///
-/// This side does not see when the other side is opened, so there is always a connection. A
-/// connection ends when the terminal is closed by all hosts and at least one of them has sent data;
+/// This side does not see when the other side is opened, so there is always a connection. When one
+/// or more hosts have sent data and all hosts have closed the terminal, the connection ends, and
 /// the next connection begins immediately. A host notices a dropped link only if its terminal
 /// disappears. If the printer drops the link, the terminal is therefore removed, and a new one with
 /// another name is created.

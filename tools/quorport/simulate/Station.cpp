@@ -181,9 +181,9 @@ bool Station::mayMakeRoom(Instant now) const {
   return host_->isIdle() && printer_.buffered() == 0 && (!last || now >= *last + turnTime);
 }
 
-// Returns true if the current host has left and the next host must not wait for it. Usually the
-// next host waits until the last bytes of the current host are printed. But a printer that is off
-// line may never print these bytes.
+// Returns true if the next host must be served now, because the current host has left and the
+// printer is off line. Usually the next host waits until the last bytes of the current host are
+// printed. But a printer that is off line may never print these bytes.
 bool Station::hostMakesWay() const {
   return host_->hostEnded() && printer_.state().flag(simulator::Flag::Offline);
 }

@@ -38,7 +38,7 @@ class Station {
   /// Returns the name that the user gave the printer; may be empty.
   const std::string& name() const { return name_; }
 
-  /// Returns the current address, as the text of a device.
+  /// Returns the current address in the form that the option --device reads.
   std::string place() const { return listener_->place(); }
 
   simulator::VirtualPrinter& printer() { return printer_; }
@@ -51,7 +51,8 @@ class Station {
   /// `watch` is called with true when a host connects, and with false when it leaves.
   void watchHosts(std::function<void(bool)> watch) { watchHosts_ = std::move(watch); }
 
-  /// Returns the counts since the beginning, including the paper in the printer.
+  /// Returns the counts since the printer was switched on. The cuts, drawer pulses and beeps of the
+  /// receipt that is still in the printer are included.
   Counters counters() const;
 
   /// Tears off the paper that has been printed so far, even in the middle of a job.
@@ -72,7 +73,7 @@ class Station {
   void advance(simulator::Instant now);
   void work(simulator::Instant now);
 
-  /// Ends the connection and tears off the rest of the paper.
+  /// Ends all connections, and tears off the paper that is still in the printer.
   void close();
 
  private:
