@@ -4,7 +4,8 @@
 
 namespace quordalvane::tool {
 
-/// Returns the forms of all settings, faults and actions, from which a page builds its inputs.
+/// Returns descriptions of all flags, settings, faults and actions. A page builds its input fields
+/// from these descriptions.
 Json everyForm();
 
 }  // namespace quordalvane::tool

@@ -27,7 +27,7 @@ class PaperArtist {
     bool isTornOff = false;    ///< true if the paper ends after these items
   };
 
-  /// The output after it was drawn.
+  /// The result of drawing a `Print`.
   struct Drawing {
     std::size_t printer = 0;
     simulator::PaperStrips::Change change;

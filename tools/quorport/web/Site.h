@@ -19,8 +19,9 @@ class Site {
        Control& control)
       : printers_(printers), receipts_(receipts), traffic_(traffic), control_(control) {}
 
-  /// Returns the answer to a request. `events` is the log for readers of events; `now` is the time
-  /// for control lines.
+  /// Returns the answer to a request. `events` is the log from which browsers read events. If the
+  /// request contains a control line, which is a command to the simulator, the command is executed
+  /// at the time `now`.
   http::Answer answer(const http::Request& request, const http::EventLog& events,
                       simulator::Instant now);
 

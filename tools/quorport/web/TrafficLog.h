@@ -12,9 +12,10 @@
 
 namespace quordalvane::tool {
 
-/// Collects the commands that printers received, and their answers, until they are shown.
-/// Consecutive characters become one entry. If there are too many entries, further entries are only
-/// counted. Keeps the latest entries for pages that are opened later.
+/// Collects the commands that printers received, and the printers' answers, until `take` removes
+/// these entries. Consecutive characters become one entry. If there are already `mostEntries`
+/// entries, a new entry is only counted. The latest entries that `take` has removed are kept for
+/// pages that are opened later.
 class TrafficLog {
  public:
   static constexpr std::size_t mostEntries = 500;

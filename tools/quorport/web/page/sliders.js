@@ -5,7 +5,7 @@ import { binarySteps, decimalSteps, nearest } from "./steps.js";
 import { counted, grouped, labelOf, titled } from "./words.js";
 
 const unlimited = 0; // the speed that means no limit
-const fastest = 100000; // bytes a second; a cash register notices no higher speed
+const fastest = 100000; // bytes a second; a cash register sees no difference above this speed
 const largest = 1 << 20;
 
 const kinds = {
