@@ -190,7 +190,7 @@ class Examination {
   LiveLine& line_;
   Diagnosis diagnosis_;
   bool isLinkLost_ = false;
-  bool wasOpened_ = false;  // false if the line refused the settings
+  bool wasOpened_ = false;  // true if the device could be opened with some of the settings
   ByteBuffer bytes_;        // the bytes that arrived instead of a status
   std::string portReport_;
 };

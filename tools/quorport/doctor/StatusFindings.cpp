@@ -10,7 +10,8 @@ Finding notReady(std::string_view cause, const std::string& text, const std::str
   return {cause, ExitCode::NotReady, text, advice};
 }
 
-// Returns the reasons in the status for which there is no separate finding.
+// Returns the reasons why the printer is off line, except an open cover and missing paper, which
+// `findingsIn` reports separately. Returns "" if there are no such reasons.
 std::string otherReasons(QuorPrinterStatus_2 status) {
   status.coverOpen = 0;
   status.receiptPaperEmpty = 0;
