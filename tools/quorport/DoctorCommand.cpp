@@ -45,7 +45,8 @@ std::string inLines(const Findings& findings) {
   return text;
 }
 
-// Returns the name and the description of the proof. `Auto` counts as `None`.
+// Returns the name and the description of a proof, the way in which a printer confirms jobs. `Auto`
+// counts as `None`.
 std::string inWords(ProofKind proof) {
   const ProofKind found = proof == ProofKind::Auto ? ProofKind::None : proof;
   return std::string(nameOf(found)) + ": " + std::string(aboutOf(found));
@@ -70,8 +71,8 @@ std::string inLines(const Diagnosis& diagnosis) {
   return (words.empty() ? text : text + label + words + "\n") + proofLine(diagnosis);
 }
 
-// Reports the port name as a fault if it chooses no device, but `BT:` would choose one. If `BT:`
-// would choose none, the cause is another fault.
+// Reports a fault if no device matches the port name, but a device matches `BT:`, the name for any
+// printer. If no device matches `BT:` either, the port name is not the cause.
 Findings examinePortName(const Options& options, const Surroundings& surroundings) {
   const auto platform = presentDevices(options, surroundings);
   Options anyPrinter = options;

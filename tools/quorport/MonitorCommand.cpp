@@ -27,7 +27,7 @@ struct Look {
   Json status;        // the fields of the status; null if there is none
   ExitCode code;
 
-  // Returns the fields without the raw reply, which repeats the others.
+  // Returns the fields without the raw reply, which only repeats the values of the other fields.
   Json fields() const {
     Json result = status;
     if (result.is_object()) {
@@ -38,8 +38,8 @@ struct Look {
   }
 };
 
-// Returns the names of the fields that differ between two looks; all fields if only one look has a
-// status.
+// Returns the names of the fields that have changed since the previous status query. If that query
+// gave no status, returns all names. If the present query gives no status, returns an empty list.
 Json changedFields(const Json& before, const Json& now) {
   Json names = Json::array();
   for (const auto& [name, value] : now.items()) {
@@ -90,7 +90,7 @@ class Monitor {
     } while (!notices_.await({}) && now < deadline);
   }
 
-  // Closes a port whose link is lost, so that the next look opens a new one.
+  // Closes a port whose link is lost, so that the next look opens a new port.
   Look look() {
     try {
       if (!printer_) {

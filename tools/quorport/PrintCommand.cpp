@@ -53,9 +53,9 @@ ExitCode codeOf(const PrintResult& result) {
   return codeOfRefusal(result.obstacle);
 }
 
-// Returns a hint for the user: how the next job can avoid the question about the printer's proof
-// (how it confirms jobs). Returns "" if this job did not ask. A printer that gave no proof may only
-// have been slow this time.
+// Returns a hint for the user: how to print without asking the printer how it confirms jobs.
+// Returns "" if this job did not ask the printer. If the printer gave no proof, the hint contains a
+// condition, because the printer may only have answered too late.
 std::string hintOf(const PrintResult& result) {
   if (!result.hasAskedForProof) {
     return "";

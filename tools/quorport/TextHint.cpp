@@ -12,7 +12,8 @@ bool isOfText(std::uint32_t codePoint) {
   return !isControl || codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
 }
 
-// Returns true for UTF-8 text without printer commands that contains a character outside ASCII.
+// Returns true if the text is valid UTF-8, contains a character outside ASCII, and contains no
+// printer commands.
 bool isTextBeyondAscii(std::string_view text) {
   bool isBeyond = false;
   while (!text.empty()) {
