@@ -117,7 +117,7 @@ functions: dict[str, Callable[..., object]] = {}
 def add(
     library: ctypes.CDLL, codes: dict[str, tuple[object, ...]], others: dict[str, tuple[object, tuple[object, ...]]]
 ) -> None:
-    """Declares the functions of a library: those that return a code, and the others with their results."""
+    """Declares the functions of a library: `codes` with those that return a code, `others` with the rest."""
     results: dict[str, tuple[object, tuple[object, ...]]] = {name: (INT, types) for name, types in codes.items()}
     for name, (result, arguments) in (results | others).items():
         found = getattr(library, f"quor_{name}")

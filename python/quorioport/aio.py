@@ -35,7 +35,7 @@ class AsyncPort:
         hold_print_timeout: float | None = None,
         data_timeout: int | None = None,
     ) -> None:
-        """As Port."""
+        """Takes the arguments of Port."""
         self._port = Port(
             device,
             port_name=port_name,
@@ -50,7 +50,7 @@ class AsyncPort:
         self._handle = self._port.handle
 
     async def __aenter__(self) -> Self:
-        """Opens the port. If the task is cancelled meanwhile, the port is closed as soon as it is open."""
+        """Opens the port. If the task is cancelled during the opening, the port is closed after the opening."""
         try:
             await self.open()
         except BaseException:
@@ -71,31 +71,31 @@ class AsyncPort:
 
     @property
     def is_open(self) -> bool:
-        """As Port.is_open."""
+        """See Port.is_open."""
         return self._port.is_open
 
     async def open(self) -> None:
-        """As Port.open."""
+        """See Port.open."""
         await self._wait(self._handle.open)
 
     async def close(self) -> None:
-        """As Port.close."""
+        """See Port.close."""
         await self._wait(self._handle.close)
 
     async def is_connected(self) -> bool:
-        """As Port.is_connected."""
+        """See Port.is_connected."""
         return await self._wait(self._handle.is_connected)
 
     async def name(self) -> str:
-        """As Port.name."""
+        """See Port.name."""
         return await self._wait(self._handle.name)
 
     async def serial_number(self) -> str:
-        """As Port.serial_number."""
+        """See Port.serial_number."""
         return await self._wait(self._handle.serial_number)
 
     async def connection_id(self) -> int:
-        """As Port.connection_id."""
+        """See Port.connection_id."""
         return await self._wait(self._handle.connection_id)
 
     async def print(
@@ -105,47 +105,47 @@ class AsyncPort:
         proof: Proof = Proof.AUTO,
         progress: Callable[[Progress], object] | None = None,
     ) -> PrintResult:
-        """As Port.print; `progress` is called in the event loop."""
+        """See Port.print. `progress` is called in the event loop."""
         return await AsyncPrintJob(self, proof=proof, progress=progress).run(data)
 
     async def status(self) -> Status:
-        """As Port.status."""
+        """See Port.status."""
         return await self._wait(self._handle.status)
 
     async def is_online(self) -> bool:
-        """As Port.is_online."""
+        """See Port.is_online."""
         return await self._wait(self._handle.is_online)
 
     async def firmware(self) -> str:
-        """As Port.firmware."""
+        """See Port.firmware."""
         return await self._wait(self._handle.firmware)
 
     async def dip_switches(self) -> tuple[bytes, bytes]:
-        """As Port.dip_switches."""
+        """See Port.dip_switches."""
         return await self._wait(self._handle.dip_switches)
 
     async def button_security_timeout(self) -> float:
-        """As Port.button_security_timeout."""
+        """See Port.button_security_timeout."""
         return await self._wait(self._handle.button_security_timeout)
 
     async def drop_all(self) -> None:
-        """As Port.drop_all."""
+        """See Port.drop_all."""
         await self._wait(self._handle.drop_all)
 
     async def disconnect(self) -> None:
-        """As Port.disconnect."""
+        """See Port.disconnect."""
         await self._wait(self._handle.disconnect)
 
     async def write(self, data: bytes) -> int:
-        """As Port.write."""
+        """See Port.write."""
         return await self._wait(self._handle.write, data)
 
     async def read(self, size: int) -> bytes:
-        """As Port.read."""
+        """See Port.read."""
         return await self._wait(self._handle.read, size)
 
     async def send_command(self, command: bytes) -> None:
-        """As Port.send_command."""
+        """See Port.send_command."""
         await self._wait(self._handle.send_command, command)
 
 
@@ -155,7 +155,7 @@ class AsyncPrintJob:
     def __init__(
         self, port: AsyncPort, *, proof: Proof = Proof.AUTO, progress: Callable[[Progress], object] | None = None
     ) -> None:
-        """As PrintJob; `progress` is called in the event loop."""
+        """Takes the arguments of PrintJob. `progress` is called in the event loop."""
         self._port = port.port
         self._proof = proof
         self._progress = progress
@@ -165,7 +165,7 @@ class AsyncPrintJob:
         self.result: PrintResult | None = None
 
     async def run(self, data: bytes | bytearray | memoryview) -> PrintResult:
-        """As PrintJob.run."""
+        """See PrintJob.run."""
         async with aclosing(self.steps(data)) as steps:
             async for progress in steps:
                 if self._progress is not None:
@@ -174,7 +174,7 @@ class AsyncPrintJob:
         return self.result
 
     async def steps(self, data: bytes | bytearray | memoryview) -> AsyncGenerator[Progress, None]:
-        """As PrintJob.steps."""
+        """See PrintJob.steps."""
         loop = asyncio.get_running_loop()
         told: asyncio.Queue[Progress | None] = asyncio.Queue()
         if self._running is not None:
@@ -197,7 +197,7 @@ class AsyncPrintJob:
             self.result = await asyncio.shield(job)
 
     def cancel(self) -> None:
-        """As PrintJob.cancel."""
+        """See PrintJob.cancel."""
         self._is_cancelled = True
         if self._running is not None:
             self._running.cancel()

@@ -225,7 +225,8 @@ class PrintJob:
     def steps(self, data: bytes | bytearray | memoryview) -> Iterator[Progress]:
         """Prints the data and yields its progress; afterwards `result` is set.
 
-        Leaving the loop over the progress early cancels the job, and so does Ctrl-C.
+        If the program leaves its loop over the progress before the job has ended, the job is cancelled. Ctrl-C also
+        cancels the job.
         """
         told: queue.SimpleQueue[Progress | None] = queue.SimpleQueue()
 

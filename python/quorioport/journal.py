@@ -223,7 +223,7 @@ class Named:
 
     @contextmanager
     def _created(self, handle: Handle) -> Iterator[None]:
-        """Creates the port for a `with` statement, without opening it, because a known outcome needs no open port."""
+        """Creates the port for a `with` statement, but does not open it: the journal knows the answer."""
         handle.create()
         try:
             yield

@@ -17,10 +17,10 @@ ERROR = 7  # the type of a record
 def forward_log(
     logger: logging.Logger | None = None, levels: Sequence[int] = (0,)
 ) -> Iterator[logging.Logger]:
-    """Passes the library's records to a logger until the block ends. The default logger is "quorioport".
+    """Passes the library's records to a logger until the `with` block ends. The default logger is "quorioport".
 
     Errors have the level ERROR, all other records DEBUG. The library creates records only while at least one block is
-    active. All active blocks get the same records: those of the `levels` of the latest block.
+    active. All active blocks get the same records: the block that began last sets the `levels` for all.
     """
     target = logger or logging.getLogger("quorioport")
 

@@ -95,7 +95,7 @@ class Port:
         self._worker = Worker()
 
     def __enter__(self) -> Self:
-        """Opens the port. After Ctrl-C, the port is closed as soon as it is open."""
+        """Opens the port. If Ctrl-C interrupts the opening, the port is closed after the opening has ended."""
         try:
             self.open()
         except BaseException:

@@ -1,4 +1,4 @@
-"""A printer's status: the record of the C library, and the form for Python programs."""
+"""A printer's status: the struct of the C library, and the class for Python programs."""
 
 from __future__ import annotations
 
@@ -41,7 +41,7 @@ LONGEST_REPLY = 63
 
 
 class StatusRecord(ctypes.Structure):
-    """The record of the C library."""
+    """A printer's status as the C library stores it: the struct `QuorPrinterStatus_2`."""
 
     _fields_ = [
         *((flag, ctypes.c_uint32) for flag in FLAGS),
@@ -73,7 +73,7 @@ class Status:
 
 
 def status_of(record: StatusRecord) -> Status:
-    """Converts the library's record."""
+    """Converts the struct of the C library."""
     conditions = frozenset(flag for flag in FLAGS if getattr(record, flag))
     return Status(
         online="offline" not in conditions,
