@@ -1,4 +1,4 @@
-"""Makes the pictures of the page of `simulate --web` in docs/browser.md. Usage: browser_pictures.py QUORPORT"""
+"""Makes the pictures in docs/browser.md. They show the page of `simulate --web`. Usage: browser_pictures.py QUORPORT"""
 
 import os
 import subprocess

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes an ESC/POS receipt to standard output: a logo, bold and large type, alignment, a cut.
+"""Writes an ESC/POS receipt to standard output: a logo, bold and large type, alignment, a paper cut.
 
     scripts/escpos_receipt.py | quorport --device virtual: --emulation escpos print -
 """
@@ -43,8 +43,8 @@ LOGO = """
 
 
 def raster(picture: str, scale: int) -> bytes:
-    """Converts the picture, with one dot a character, to a raster command. Each dot is enlarged to `scale` by `scale`
-    dots. The enlarged width must be a multiple of 8.
+    """Converts the picture to a raster command. Each character of the picture is one dot, which is enlarged to `scale`
+    by `scale` dots. The enlarged width must be a multiple of 8.
     """
     rows = picture.split()
     width, height = len(rows[0]) * scale // 8, len(rows) * scale

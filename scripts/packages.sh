@@ -38,13 +38,14 @@ need_packages() {
     env DEBIAN_FRONTEND=noninteractive sh -c "$(installation "${missing[@]}")"
 }
 
-# installation NAME …: writes the commands that root must run. A new system has no package lists
-# yet.
+# installation NAME …: writes the commands by which root installs the packages. They first download
+# the package lists, because a new system has none.
 installation() {
   echo "apt-get update && apt-get install --yes --no-install-recommends $*"
 }
 
-# command_for_others NAME …: writes the command for users who are not root.
+# command_for_others NAME …: writes the command by which a user who is not root installs the
+# packages.
 command_for_others() {
   local run_as_root="su -c"
   command -v sudo >/dev/null && run_as_root="sudo sh -c"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# prove_builds.sh [OPTIONS of prove] [ROW …]: builds the programs that these rows of the proof run;
-# without rows, all programs.
+# prove_builds.sh [OPTIONS of prove] [ROW …]: builds the programs that `./dev prove` needs for
+# these rows of its summary. Without rows, builds all programs.
 set -euo pipefail
 
 rows=()

@@ -10,7 +10,8 @@ folder=$1
 root=$folder/bare
 suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
 
-# Tools that the trials need, and packages that the tried packages can use but do not require.
+# `tools` are the packages that the trials need. `optional` are packages that the packages of FOLDER
+# can use but do not require.
 tools=(cmake g++ iproute2 ninja-build pkg-config)
 optional=(cups fonts-dejavu-core libzint-dev python3-venv systemd)
 

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Sourced by the trials. Serves a virtual printer with its paper, and names the folder of the
-# installed pages.
+# The trials source this file. It sets `pages`, the folder of the installed documentation, and
+# `paper`, the folder of the receipts, and defines functions that use these folders.
 
 # shellcheck disable=SC2034  # the trials use it
 pages=/usr/share/doc/quorport
@@ -13,7 +13,7 @@ serve_printer() {
   until [ -s listening ]; do sleep 0.01; done
 }
 
-# await_paper TEXT: returns when a receipt contains the text.
+# await_paper TEXT: waits until a receipt contains the text.
 await_paper() {
   until grep -qs "$1" "$paper"/*.txt; do sleep 0.01; done
 }

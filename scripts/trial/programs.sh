@@ -1,4 +1,4 @@
-# Every program of the packages starts, and every library finds all names that it needs.
+# Every program of the packages starts, and every library finds all symbols that it needs.
 . ./printer.sh
 mapfile -t packages < <(dpkg-query --show --showformat '${Package} ${source:Package}\n' | sed -n 's/ quorioport$//p')
 dpkg --listfiles "${packages[@]}" | grep -E '^/usr/(bin|lib/cups/backend)/[^/]+$|\.so\.[0-9.]+$' >files

@@ -1,4 +1,4 @@
-# The README's program in Python prints with the Debian package.
+# The README's program in Python, run with the Debian package, prints its receipt.
 . ./printer.sh
 serve_printer
 programs_of python "$pages/README.md" >program.py

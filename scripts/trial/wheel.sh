@@ -1,4 +1,4 @@
-# The README's program in Python prints with the wheel, which pip installs offline.
+# The README's program in Python, run with the wheel that pip installs offline, prints its receipt.
 . ./printer.sh
 serve_printer
 python3 -m venv environment
