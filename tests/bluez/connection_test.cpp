@@ -111,7 +111,7 @@ TEST_F(BluetoothConnection, ReleasesTheSerialPortProfileAfterConnecting) {
   EXPECT_EQ(service.profiles(), 0);
 }
 
-TEST_F(BluetoothConnection, AcceptsItsSocketEvenIfTheServiceAnswersLater) {
+TEST_F(BluetoothConnection, SucceedsIfTheSocketArrivesBeforeOrAfterTheAnswer) {
   for (const Connecting connecting : {Connecting::InOrder, Connecting::AnswersEarly}) {
     StandInPlan planned = plan();
     planned.connecting = connecting;

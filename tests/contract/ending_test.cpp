@@ -17,7 +17,7 @@ TEST_P(LinkContract, ALinkClosedByTheDeviceIsLostAndHasNoBytes) {
   EXPECT_LE(input->read(&byte, 1), 0);
 }
 
-TEST_P(LinkContract, BytesThatWereSeenCanBeReadAfterTheDeviceClosesTheLink) {
+TEST_P(LinkContract, BytesReportedAsAvailableCanBeReadAfterTheDeviceClosesTheLink) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -28,7 +28,7 @@ TEST_P(LinkContract, BytesThatWereSeenCanBeReadAfterTheDeviceClosesTheLink) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, BytesThatWereNotSeenCanBeReadAfterTheDeviceClosesTheLink) {
+TEST_P(LinkContract, BytesNotYetReportedAsAvailableCanBeReadAfterTheDeviceClosesTheLink) {
   if (!maker->traits().keepsUnreadBytes) {
     GTEST_SKIP() << "the system throws away bytes that were not read before the end";
   }
@@ -69,7 +69,7 @@ TEST_P(LinkContract, AResetEndsTheLinkEvenWithBytesUnread) {
   EXPECT_FALSE(input->hasBytesAvailable());
 }
 
-TEST_P(LinkContract, WritesToAClosedLinkSoonFail) {
+TEST_P(LinkContract, AWriteToAClosedLinkSoonFails) {
   peer->close();
   EXPECT_TRUE(eventually([this] { return write({1}) == -1; }));
   EXPECT_TRUE(isLost());
@@ -88,7 +88,7 @@ TEST_P(LinkContract, BytesThatArrivedBeforeAWriteErrorCanBeRead) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, NoticeLossReportsALostLinkEvenIfBytesAreUnread) {
+TEST_P(LinkContract, ACallOfNoticeLossReportsALostLinkEvenIfBytesAreUnread) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -98,7 +98,7 @@ TEST_P(LinkContract, NoticeLossReportsALostLinkEvenIfBytesAreUnread) {
   }));
 }
 
-TEST_P(LinkContract, NoticeLossDoesNotReportAWorkingLinkAsLost) {
+TEST_P(LinkContract, ACallOfNoticeLossLeavesAWorkingLinkConnected) {
   accessory->noticeLoss();
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
@@ -129,7 +129,7 @@ TEST_P(LinkContract, TheDeviceSeesTheLinkEndWhenTheSessionEnds) {
   EXPECT_TRUE(peer->read(1).empty());
 }
 
-TEST_P(LinkContract, TheEndOfASessionWaitsUntilADeviceThatSendsReportsHasReadAllBytes) {
+TEST_P(LinkContract, AnEndingSessionLosesNoBytesEvenIfTheDeviceSendsReportsMeanwhile) {
   peer->stall();
   // Any machine can move these few bytes before the ending session stops waiting.
   const Bytes taken = fill(256 << 10);

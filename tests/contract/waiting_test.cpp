@@ -127,7 +127,7 @@ TEST_P(LinkContract, AWaitForSpaceEndsAtOnceWhenTheDeviceEndsItsOutput) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, UnreadBytesHideTheEndOfOutputFromAWaitForSpace) {
+TEST_P(LinkContract, AWaitForSpaceNoticesNoLossWhileBytesAreUnread) {
   if (!maker->traits().closesOneWay) {
     GTEST_SKIP() << "the link has no directions";
   }
@@ -157,7 +157,7 @@ TEST_P(LinkContract, WaitsOfZeroOrNegativeTimeReturnAtOnce) {
   EXPECT_LT(now() - start, instantly);
 }
 
-TEST_P(LinkContract, WaitsOnClosedStreamsReturnAtOnce) {
+TEST_P(LinkContract, AWaitOnAClosedStreamReturnsAtOnce) {
   ASSERT_EQ(write({1}), 1);
   input->close();
   output->close();

@@ -130,7 +130,7 @@ void awaitArrival(int socket) {
   }
 }
 
-TEST(SystemCalls, ReadsOfArrivedBytesTakeOneCallPer128BytesAndNoWait) {
+TEST(SystemCalls, ReadingArrivedBytesTakesOneCallPer128BytesAndNoWait) {
   constexpr std::size_t size = 16384;
   const auto endpoint = bench::makeEndpoint(Medium::Tcp);
   bench::OpenPort port(endpoint->device(), ZKEmulationQuorLine);

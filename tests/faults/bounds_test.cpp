@@ -40,7 +40,7 @@ TEST(TimeBounds, TheRetryingWriterEndsWhenTheLinkIsLost) {
   EXPECT_LE(outcome.sent().size(), 4000U + 3U) << "at most one tail beyond the loss";
 }
 
-TEST(TimeBounds, AWriteEndsWhenTheLinkIsLostIfTheStreamTakesNothing) {
+TEST(TimeBounds, AWriteThatTheStreamNeverAcceptsEndsWhenTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   for (std::size_t nth = 1; nth < 2000; ++nth) {
     scenario.script.writeReturns(nth, 0);
@@ -83,7 +83,7 @@ TEST(TimeBounds, TheDrainOfTheInputEndsWhenTheLinkIsLost) {
   EXPECT_NEAR(outcome.seconds, 90, 2);
 }
 
-TEST(TimeBounds, ExemptOnlyTheUnboundedLoopOfACall) {
+TEST(TimeBounds, ApplyToAllOfACallExceptItsLoopWithoutATimeout) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Call call = endCheckedBlock();

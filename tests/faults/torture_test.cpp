@@ -183,7 +183,7 @@ class LinkTorture : public testing::TestWithParam<std::int32_t> {
   static inline std::size_t cases_ = 0;
 };
 
-TEST_P(LinkTorture, AnOperationEndsAsTheModelPredictsIfRepliesAreDamaged) {
+TEST_P(LinkTorture, AnOperationWithDamagedRepliesEndsAsTheReferenceModelPredicts) {
   for (const Call& call : calls()) {
     const Bytes sent = scenario().runOnPort(call).sent();
     std::size_t number = 0;

@@ -31,7 +31,7 @@ class SeededScripts : public testing::TestWithParam<std::uint64_t> {
   static constexpr std::uint64_t parts = 4;
 };
 
-TEST_P(SeededScripts, HaveTheSameEffectsOnPortAndModel) {
+TEST_P(SeededScripts, HaveTheSameEffectsOnThePortAndTheReferenceModel) {
   const auto replayed = replayedSeed("script");
   const std::uint64_t first = replayed.value_or(firstSeed());
   const std::uint64_t count = replayed ? 1 : caseCount("QUOR_SCRIPTS", usualScripts);

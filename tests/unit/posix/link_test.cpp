@@ -238,7 +238,7 @@ TEST_F(LinkTest, TheFirstConnectionCheckReportsALostLinkWithoutARead) {
   EXPECT_FALSE(accessory.isConnected());
 }
 
-TEST_F(LinkTest, NoticeLossReportsALostLinkEvenIfBytesAreUnread) {
+TEST_F(LinkTest, ACallOfNoticeLossReportsALostLinkEvenIfBytesAreUnread) {
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   accessory.noticeLoss();
