@@ -32,7 +32,7 @@ class BluetoothPrinting(BusCase):
             self.assertExit(0, result)
             self.assertEqual(result.json()["outcome"], "printed")
 
-    def test_a_port_name_with_an_address_or_a_name_selects_the_printer(self):
+    def test_the_address_or_the_printer_name_in_a_port_name_selects_the_printer(self):
         self.bluetooth("another=01:23:45:67:89:AC", printer=self.printer())
         for name in (f"BT:{ADDRESS}", "BT:Kitchen"):
             self.assertExit(0, self.run_command("-d", "bluetooth:", "-p", name, "status"))

@@ -25,7 +25,7 @@ class Confirmation(ProgramTest):
         self.assertIn("refused: cover open", text)
         self.assertIn("again is safe", text)
 
-    def test_a_receipt_that_may_be_on_paper_asks_a_person_to_look(self):
+    def test_the_example_asks_a_person_to_look_whether_an_unconfirmed_receipt_is_printed(self):
         code, text = self.outcome("virtual:,cut-after-in=300")
         self.assertEqual(code, 6)
         self.assertRegex(text, r"unconfirmed: link lost after [\d,]+ of 1,800 bytes")

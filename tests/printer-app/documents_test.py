@@ -100,7 +100,7 @@ class JobOptions(Application):
                 record = self.record(contents, kind, keyword("quor-drawer", f"drawer-{number}"))
                 self.assertEqual(record["drawer"], 1, kind)
 
-    def test_a_raw_document_is_cut_only_if_the_job_option_is_set(self):
+    def test_paper_is_cut_after_a_raw_document_only_if_quor_cut_is_set(self):
         self.assertEqual(self.record(b"raw\n", RAW)["cuts"], 0)
         self.assertEqual(self.record(b"raw\n", RAW, keyword("quor-cut", "job"))["cuts"], 1)
 

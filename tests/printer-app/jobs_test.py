@@ -86,7 +86,7 @@ class Jobs(Application):
 class PrinterConditions(Application):
     model = "line-80"
 
-    def test_each_condition_of_the_printer_is_a_reason_of_its_state(self):
+    def test_each_printer_condition_is_listed_in_printer_state_reasons(self):
         for condition, reason in {"headUpError": "other", "receiptPaperNearEmptyInner": "media-low", "jamError": "media-jam",
                                   "overTemp": "other"}.items():
             self.printer.set(**{condition: True})

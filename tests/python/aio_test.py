@@ -62,7 +62,7 @@ class AsyncPorts(unittest.IsolatedAsyncioTestCase):
         self.assertGreater(printing, 0.8)
         self.assertLess(longest, printing / 2)
 
-    async def test_two_printers_print_at_once(self):
+    async def test_several_printers_print_simultaneously(self):
         async def one():
             async with AsyncPort(self.printer(speed=40).device) as port:
                 return await port.print(RECEIPT * 2)

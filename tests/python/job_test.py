@@ -93,7 +93,7 @@ class PrintJobs(unittest.TestCase):
         self.assertEqual((steps[0], steps[-1]), (0, len(RECEIPT)))
         self.assertTrue(job.result.printed)
 
-    def test_leaving_a_loop_over_the_progress_early_cancels_the_job(self):
+    def test_a_job_is_cancelled_if_the_loop_over_its_steps_is_left_early(self):
         job = PrintJob(self.port(self.printer(speed=10)))
         for _ in job.steps(RECEIPT * 100):
             break

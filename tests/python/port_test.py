@@ -68,7 +68,7 @@ class PortQueries(unittest.TestCase):
         with self.assertRaises(quorioport.LinkLostError):
             port.status()
 
-    def test_several_threads_can_query_a_port_at_once(self):
+    def test_several_threads_can_query_a_port_simultaneously(self):
         port = self.port()
         answers = []
         threads = [threading.Thread(target=lambda: answers.append(port.firmware())) for _ in range(8)]

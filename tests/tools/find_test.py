@@ -4,7 +4,7 @@ from harness import Case, main, run
 
 
 class Find(Case):
-    def test_find_always_succeeds_as_text_and_as_json(self):
+    def test_the_find_command_succeeds_with_text_and_with_json_output(self):
         result = run("find", "--json")
         self.assertExit(0, result)
         answer = result.json()

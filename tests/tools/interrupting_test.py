@@ -41,7 +41,7 @@ class Signals(Case):
         eventually(lambda: simulator.state()["buffered"] == 0, "the printer has dropped the rest")
         self.assertLess(simulator.state()["printedBytes"], 1300)
 
-    def test_a_printer_that_accepts_no_data_does_not_delay_the_end_after_a_signal(self):
+    def test_a_signal_ends_the_command_soon_even_if_the_printer_accepts_no_data(self):
         contact, stop = threading.Event(), threading.Event()
 
         def handle(connection):

@@ -37,7 +37,7 @@ class LogOption(Case):
         ends = {record["method"] for record in self.logged("status")[-2:] if record["typeName"].endswith("End")}
         self.assertEqual(ends, {"-[ExternalAccessoryPort close]", "-[ExternalAccessoryPort runLoop71]"})
 
-    def test_a_job_with_a_receipt_logs_one_port_and_no_error(self):
+    def test_print_with_a_receipt_file_logs_only_one_port_and_no_error(self):
         job = self.file("job", b"text\n")
         records = self.logged("-d", "virtual:", "print", "--receipt", self.folder / "receipt.txt", job)
         self.assertEqual({record["object"] for record in records}, {record["object"] for record in records[:1]})

@@ -182,7 +182,7 @@ class ReceiptOption(Case):
         self.assertExit(0, run("-d", "virtual:", "print", "-", "--receipt", target, data=b"Bread  4.20\n"))
         self.assertTrue(target.read_bytes().startswith(b"\x89PNG\r\n\x1a\n"))
 
-    def test_only_the_virtual_printer_has_a_receipt(self):
+    def test_the_receipt_option_needs_a_virtual_printer(self):
         contacted = []
         peer = self.peer(contacted.append)
         result = run("-d", peer.place, "print", "-", "--receipt", self.folder / "a.txt", data=b"x\n")
@@ -190,7 +190,7 @@ class ReceiptOption(Case):
         self.assertIn("virtual:", result.err)
         self.assertEqual(contacted, [])
 
-    def test_the_receipt_shows_the_paper_of_the_printer_that_the_port_name_chooses(self):
+    def test_the_receipt_file_contains_the_print_of_the_printer_chosen_by_port_name(self):
         target = self.folder / "receipt.txt"
         peer = self.peer(lambda connection: None)
         self.assertExit(0, run("-d", peer.place, "-d", "virtual:B", "-p", "BT:B", "print", "-", "--receipt", target,

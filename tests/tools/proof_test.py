@@ -132,7 +132,7 @@ class OrdinaryPrinters(Case):
         eventually(lambda: printer.paper == RECEIPT, "the printer has taken the data")
         self.assertLess(time.monotonic() - printer.last_data, 4)
 
-    def test_a_proof_that_the_device_names_is_used_without_asking_the_printer(self):
+    def test_the_proof_named_in_the_device_text_is_used_without_asking_the_printer(self):
         printer = OrdinaryPrinter(KNOWS_ID, KNOWS_IN_ORDER)
         self.assertPrinted("process-id", self.printed_on(printer, keys=",proof=process-id"))
         questions = [command for command in printer.asked if command[:1] != b"\x10"]

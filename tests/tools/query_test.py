@@ -248,7 +248,7 @@ class QueryAnswers(Case):
 
         at_once((online_of_a_printer_that_pauses_behind, count) for count in range(len(block) + 1))
 
-    def test_a_peer_answers_requests_that_arrive_together_in_their_order(self):
+    def test_if_requests_arrive_together_a_peer_answers_them_in_order(self):
         peer = self.peer(answering({b"ab": b"1", b"b": b"2", b"c": b"3"}))
         with socket.create_connection(peer.listener.getsockname(), DEADLINE) as connection:
             connection.sendall(b"xabbc")

@@ -50,7 +50,7 @@ class Rendering(Case):
             result = run("-d", "virtual:", "print", "-", "--json", data=job)
             self.assertEqual(result.json()["bytesTotal"], len(job))
 
-    def test_the_drawer_opens_before_or_after_the_job_and_the_cut_ends_the_print(self):
+    def test_a_drawer_pulse_precedes_the_print_or_follows_the_paper_cut(self):
         pulse, cut = b"\x1bp\1\x32\xfa", b"\x1dVB\0"
         for options, job in ((("--drawer", "2", "--cut"), pulse + b"x" + cut),
                              (("--drawer", "2", "--drawer-after", "--cut"), b"x" + cut + pulse)):

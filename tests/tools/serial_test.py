@@ -147,7 +147,7 @@ class FlowControl(Case):
         self.assertIn(job, printer.received)
         self.assertLess(printer.held_back_after, len(job), "the job waited for the printer")
 
-    def test_a_job_loses_no_byte_if_the_printer_stops_the_flow_by_characters(self):
+    def test_a_job_loses_no_byte_if_the_printer_pauses_the_host_by_xoff(self):
         self.assertPrintsAll("xonxoff", FlowPrinter.stop_by_bytes)
 
     def test_a_job_loses_no_byte_if_the_printer_accepts_no_data_for_a_while(self):

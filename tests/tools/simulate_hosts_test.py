@@ -182,7 +182,7 @@ class HostConnections(Case):
 
 
 class DroppedLinks(Case):
-    def test_a_cut_link_is_closed_after_all_earlier_bytes_are_sent(self):
+    def test_the_drain_fault_closes_the_link_only_after_earlier_answers_are_sent(self):
         simulator = self.simulator("tcp:0", "--set", "cut-after-in=6:drain")
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST * 2 + b"more")
@@ -210,7 +210,7 @@ class DroppedLinks(Case):
         self.assertEqual(simulator.control({"clear": "faults"}), {"ok": True})
         self.assertExit(0, run("-d", place, "online"))
 
-    def test_a_pseudo_terminal_that_drops_every_host_still_accepts_control_lines(self):
+    def test_a_pseudo_terminal_that_drops_every_host_still_accepts_json_control_lines(self):
         simulator = self.simulator("pty:", "--set", "cut-after-in=0:reset", "--control", f"unix:{self.folder}/control")
         with socket.socket(socket.AF_UNIX) as control:
             control.settimeout(DEADLINE)
@@ -219,7 +219,7 @@ class DroppedLinks(Case):
             self.assertEqual(receive(control, 12), b'{"ok":true}\n')
         self.assertEqual(simulator.stop(signal.SIGTERM), 0)
 
-    def test_a_link_cut_by_a_control_line_does_not_affect_later_links(self):
+    def test_a_link_cut_by_a_json_control_line_does_not_affect_later_links(self):
         simulator = self.simulator()
         with simulator.connect() as host:
             host.sendall(STATUS_REQUEST)

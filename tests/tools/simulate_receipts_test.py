@@ -273,7 +273,7 @@ class JobRecords(Case):
             self.assertIn("one", (folder / "receipt-0001.txt").read_text())
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
-    def test_a_cut_completes_a_receipt_per_job_but_not_per_connection(self):
+    def test_a_paper_cut_completes_a_record_with_per_job_and_not_with_per_connection(self):
         """With `--per job`, a paper cut gives a record. With `--per connection`, only the end of a connection does."""
         processes = {}
         for per in ("connection", "job"):
@@ -313,7 +313,7 @@ class JobRecords(Case):
         self.assertEqual([line["job"] for line in lines if "job" in line], [1])
         self.assertEqual(sum("state" in line for line in lines), count)
 
-    def test_receipts_per_an_unknown_unit_are_refused(self):
+    def test_an_unknown_value_of_the_option_per_is_refused(self):
         result = run("simulate", "--listen", "tcp:0", "--per", "day")
         self.assertExit(2, result)
         self.assertIn('takes "cut", "job" or "connection"', result.err)

@@ -82,7 +82,7 @@ class HostsOption(Case):
 
         eventually(answers, "a host that comes after the first has left is served")
 
-    def test_hosts_that_take_turns_print_between_the_jobs_of_a_connected_host(self):
+    def test_with_the_option_hosts_turns_two_connected_hosts_print_alternately(self):
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--receipts", str(folder))
         with simulator.connect() as first, simulator.connect() as second:

@@ -62,7 +62,7 @@ class WebAddress(BrowserCase):
 
 
 class ControlLines(BrowserCase):
-    def test_the_web_and_standard_input_answer_each_control_line_alike(self):
+    def test_a_json_control_line_gets_the_same_answer_over_web_and_standard_input(self):
         simulator, browser = self.open()
         lines = [b'{"set": {"coverOpen": true, "speed": 300}}', b'{"get": "state"}', b'{"get": "settings"}',
                  b'{"get": "counters"}', b'{"fault": {"late-reply": "30@block"}}', b'{"get": "faults"}', b'{"clear": "faults"}',
@@ -188,7 +188,7 @@ class EventStream(BrowserCase):
                 paper = events.next("paper")
             self.assertEqual(paper["row"], 0)
 
-    def test_the_event_stream_gives_a_page_opened_later_the_paper_so_far(self):
+    def test_a_page_opened_later_receives_the_paper_printed_before(self):
         simulator, browser = self.open()
         with simulator.connect() as host:
             host.sendall(b"early\n")
@@ -224,7 +224,7 @@ class EventStream(BrowserCase):
         answers = [entry for entry in entries if entry["kind"] == "answer"]
         self.assertEqual([len(entry["bytes"]) for entry in answers], [18])
 
-    def test_the_event_stream_gives_a_page_opened_later_the_latest_log_entries(self):
+    def test_a_page_opened_later_receives_the_latest_log_entries(self):
         simulator, browser = self.open()
         events = self.events(browser)
         for _ in range(250):

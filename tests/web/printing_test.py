@@ -19,7 +19,7 @@ FIGURE = "[...document.querySelectorAll('.figures dt')].find((name) => name.text
 
 
 class PrintingOnThePage(ShopCase):
-    def test_a_job_waits_until_the_cover_is_closed_on_the_page(self):
+    def test_a_job_waits_until_a_person_closes_the_cover_in_the_web_page(self):
         shop = self.shop("--set", "speed=50", "--set", "profile=escpos-80")
         page = self.shop_page(shop)
         page.until(f"{INK} === 0", "no paper hangs out")
@@ -37,7 +37,7 @@ class PrintingOnThePage(ShopCase):
         out, _ = till.communicate(timeout=DEADLINE)
         self.assertEqual((till.returncode, json.loads(out)["outcome"]), (0, "printed"))
 
-    def test_the_page_of_a_receipt_shows_a_picture_and_text_and_named_bytes(self):
+    def test_the_web_page_of_a_receipt_shows_picture_text_and_command_names(self):
         shop = self.shop("--set", "profile=escpos-80")
         page = self.shop_page(shop)
         with shop.connect() as till:
@@ -137,7 +137,7 @@ class PageControls(ShopCase):
         buttons = page.evaluate("[...document.querySelectorAll('button')].map((button) => button.textContent)")
         self.assertLessEqual({action["label"].capitalize() for action in forms["actions"]}, set(buttons))
 
-    def test_the_page_shows_a_change_by_a_control_line(self):
+    def test_the_web_page_shows_conditions_that_a_json_control_line_sets(self):
         shop = self.shop()
         page = self.shop_page(shop)
         page.evaluate("""fetch('api/control', {method: 'POST', headers: {'Content-Type': 'application/json'},
