@@ -64,36 +64,36 @@ class ProofRows(Folder):
     def runs(self) -> list[str]:
         return (self.folder / "runs").read_text().split()
 
-    def test_the_case_counts_of_all_steps_of_a_proof_are_added(self):
+    def test_the_case_counts_of_all_steps_of_a_row_are_summed(self):
         fuzzing = printing("a: 7 inputs, nothing found\nb: 5 inputs, nothing found", steps.fuzzing)
         self.assertEqual(self.run_row(printing("30 jobs in 10 s"), fuzzing)["cases"], "42")
 
-    def test_a_proof_fails_if_one_of_its_steps_ran_no_case(self):
+    def test_a_row_fails_if_one_of_its_steps_tests_no_case(self):
         for idle in (printing("0 cases"), printing("all is well"), printing("a: 0 inputs", steps.fuzzing)):
             with self.assertRaisesRegex(prove.Failed, "no case was run"):
                 self.run_row(printing("3 cases"), idle)
 
-    def test_a_finished_unit_of_a_proof_is_not_run_again(self):
+    def test_a_finished_program_run_is_not_repeated(self):
         for _ in range(2):
             self.assertEqual(self.run_row(self.counting(3))["cases"], "3")
         self.assertEqual(self.runs(), ["0", "1", "2"])
 
-    def test_a_proof_that_is_made_larger_runs_only_the_missing_units(self):
+    def test_a_row_that_needs_more_program_runs_repeats_no_finished_run(self):
         self.run_row(self.counting(2))
         self.assertEqual(self.run_row(self.counting(4))["cases"], "4")
         self.assertEqual(self.runs(), ["0", "1", "2", "3"])
 
-    def test_a_failed_unit_of_a_proof_is_run_again(self):
+    def test_a_failed_program_run_is_repeated(self):
         with self.assertRaises(prove.Failed):
             self.run_row(self.counting(1, "0 cases"))
         self.assertEqual(self.run_row(self.counting(1))["far"], "100%")
 
-    def test_a_proof_begins_again_if_the_sources_have_changed(self):
+    def test_all_program_runs_are_repeated_if_the_sources_have_changed(self):
         self.run_row(self.counting(2))
         self.run_row(self.counting(2), state="another state")
         self.assertEqual(self.runs(), ["0", "1", "0", "1"])
 
-    def test_an_unfinished_proof_reports_its_finished_share(self):
+    def test_an_unfinished_row_reports_the_percentage_of_finished_program_runs(self):
         self.run_row(self.counting(1))
         steps.Clock.end = 0
         self.assertEqual(self.run_row(self.counting(4))["far"], "25.0%")
@@ -104,7 +104,7 @@ class ProofRows(Folder):
         with self.assertRaises(steps.Stopped):
             self.run_row(sleeper)
 
-    def test_a_program_that_counts_its_own_cases_reports_the_finished_share_when_stopped(self):
+    def test_a_stopped_program_that_counts_its_own_cases_reports_the_finished_percentage(self):
         begun = self.folder / "begun"
         os.mkfifo(begun)
         code = f"import signal, time\ntry:\n    signal.signal(signal.SIGTERM, lambda *_: 1 / 0); open({str(begun)!r}, 'w').close()\n" \
@@ -116,7 +116,7 @@ class ProofRows(Folder):
 
 @unittest.skipUnless(shutil.which("git"), "needs git")
 class ProveCommand(Folder):
-    def test_prove_succeeds_in_a_new_tree_even_if_stopped_before_the_first_proof(self):
+    def test_prove_without_time_for_any_row_succeeds_and_keeps_the_page(self):
         folder, page_before = self.folder / "build/proof", page.PAGE.read_text()
         self.addCleanup(setattr, steps.Clock, "end", float("inf"))
         for number in (signal.SIGINT, signal.SIGTERM):
@@ -158,7 +158,7 @@ class Mutants(Folder):
         tried = self.tried()
         return sum(tried.answer(mutant) is not None for mutant in tried.drawn)
 
-    def test_a_change_of_another_line_does_not_change_which_mutants_are_chosen(self):
+    def test_added_lines_do_not_change_which_mutants_of_the_old_lines_are_chosen(self):
         drawn = [mutant.describe(self.SOURCE) for mutant in self.tried().drawn]
         self.assertEqual(len(drawn), 4)
         self.write("one.cpp", "// above\n" + self.SOURCE)
@@ -212,15 +212,15 @@ class ProofPage(unittest.TestCase):
     FIGURES = {"size": "nightly", "far": "12.5%", "cases": "1,000", "time": "3.0 min", "result": "nothing found",
                "run at": "a1b2c3d, 2026-11-21, 2 cores"}
 
-    def test_each_row_of_the_proof_page_names_the_part_that_runs_at_each_commit(self):
+    def test_each_row_of_the_page_names_its_tests_that_run_at_each_commit(self):
         for row in rows.ROWS:
             self.assertIn(f"| {row.shows} | {row.suite} | not run |", page.written({}))
 
-    def test_a_run_of_one_row_does_not_change_the_figures_of_another_row(self):
+    def test_the_figures_of_a_row_can_be_read_back_from_the_page(self):
         text = page.written({"Soak": self.FIGURES})
         self.assertEqual(page.figures(text), {"Soak": self.FIGURES})
 
-    def test_the_committed_proof_page_has_a_line_for_each_row(self):
+    def test_the_committed_docs_proof_md_contains_exactly_the_rows_of_rows_py(self):
         lines = page.PAGE.read_text().splitlines()
         titles = [page.cells(line)[0] for line in lines[lines.index(page.HEAD) + 2:] if line.startswith("| ")]
         self.assertEqual(titles, [row.title for row in rows.ROWS], "./dev prove --page writes it anew")
@@ -237,13 +237,13 @@ class ProofTables(unittest.TestCase):
         lines = [" ".join(one.split()) for one in (steps.ROOT / file).read_text().splitlines()]
         self.assertIn(line.replace(r"\|", "|"), lines, file)
 
-    def test_each_line_that_the_tables_explain_exists_in_the_sources(self):
+    def test_each_source_line_in_survivors_md_and_uncovered_md_exists(self):
         for table in ("survivors.md", "uncovered.md"):
             for file, line, *_ in (page.cells(row) for row in page.table(table)[2:]):
                 with self.subTest(table=table):
                     self.assert_line(file.strip("`"), line.strip("`"))
 
-    def test_the_tables_of_the_details_have_the_columns_of_the_explained_tables(self):
+    def test_prove_writes_the_columns_of_survivors_md_and_uncovered_md(self):
         self.assertEqual(page.HEADS["mutation"], page.table("survivors.md")[:2])
         self.assertEqual(page.HEADS["coverage"], page.table("uncovered.md")[:2])
 
@@ -274,7 +274,7 @@ class DescribedTree(Folder):
     def write(self, file: str, text: str):
         (self.folder / file).write_text(text)
 
-    def test_a_tree_is_clean_even_if_a_run_has_written_the_proof_page(self):
+    def test_a_tree_is_clean_even_if_prove_has_rewritten_docs_proof_md(self):
         self.write("docs/proof.md", "new")
         self.assertRegex(prove.described_tree(self.folder), "^[0-9a-f]+$")
 

@@ -120,7 +120,7 @@ class KnownNames(SmallTree):
             (self.root / room / "Names.h").write_text('// etb\nconst char* text = "etb";\n')
         self.assertIn("etb: no name of the code", known_names.violations(self.root))
 
-    def test_members_in_another_order_are_reported(self):
+    def test_members_of_the_port_class_in_a_wrong_order_are_reported(self):
         self.assertEqual(len(self.objections(*reversed(known_names.MEMBERS))), 1)
 
 
@@ -167,7 +167,7 @@ class FileNames(SmallTree):
             self.assertFalse(self.objects_to(path), path)
         self.assertFalse(self.objects_to("tests/unit/job/print_job_test.cpp", "TEST(A, B) {}\n"))
 
-    def test_a_source_file_in_lower_case_is_reported(self):
+    def test_a_source_file_with_a_lower_case_name_is_reported(self):
         self.assertTrue(self.objects_to("job/print_job.cpp"))
 
     def test_a_test_file_that_is_named_like_a_class_is_reported(self):
@@ -196,7 +196,7 @@ class Wording(SmallTree):
         self.assertTrue(self.objects_to("as the sp" + "ec says in Part 3\n"))
         self.assertTrue(self.objects_to("see Pa" + "rt 2.1\n"))
 
-    def test_a_reference_to_a_tracker_is_reported(self):
+    def test_a_reference_to_a_bug_tracker_is_reported(self):
         self.assertTrue(self.objects_to("as the iss" + "ue asks\n"))
         self.assertTrue(self.objects_to("fixes iss" + "ue 12\n"))
 
@@ -230,7 +230,7 @@ class Documentation(SmallTree):
             "[a](docs/threads.md) [b](docs/threads.md#who-runs-what) [c](#top) [d](https://example.org)"
             "`docs/threads.md` `docs/` `a/b` `/not/ours` `build/bin/quorport` ./dev test\n\n# Top\n"))
 
-    def test_a_broken_link_is_reported(self):
+    def test_a_link_to_a_missing_file_is_reported(self):
         self.assertTrue(self.objects_to("[a](docs/nowhere.md)\n"))
 
     def test_a_link_to_a_missing_heading_is_reported(self):

@@ -74,7 +74,7 @@ class Lint(unittest.TestCase):
         self.write("include/own/Public.h", "#pragma once\nint own;\n")
         self.assertEqual(self.lint(), (True, {"Third.cpp"}))
 
-    def test_every_source_is_checked_after_changed_rules_or_a_new_linter_version(self):
+    def test_every_source_is_checked_again_if_the_rules_or_the_linter_change(self):
         for file in (".clang-tidy", "version"):
             with self.subTest(file):
                 self.write(file, "b\n")
