@@ -14,7 +14,7 @@ std::string identityOf(const std::string& text) {
   return deviceIdentity(parseDeviceSpec(text));
 }
 
-TEST(DeviceIdentity, IsTheSchemeAndThePlaceWithoutTheKeys) {
+TEST(DeviceIdentity, IsTheTextBeforeTheFirstComma) {
   EXPECT_EQ(identityOf("tcp:192.0.2.10:9100,name=Kitchen"), "tcp:192.0.2.10:9100");
   EXPECT_NE(identityOf("tcp:192.0.2.10:9100"), identityOf("tcp:192.0.2.10:9101"));
 }

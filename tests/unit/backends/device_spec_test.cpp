@@ -25,7 +25,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
 
-TEST(DeviceSpec, UsesThePlaceAsTheDefaultNameInEachScheme) {
+TEST(DeviceSpec, UsesTheAddressAsTheDefaultNameInEachScheme) {
   const std::pair<std::string, std::string> cases[] = {
       {"tcp", "192.0.2.10:9100"}, {"tcp", "[2001:db8::1]:9100"}, {"unix", "/run/printer"},
       {"serial", "/dev/ttyS0"},   {"virtual", "kitchen"},
@@ -40,7 +40,7 @@ TEST(DeviceSpec, UsesThePlaceAsTheDefaultNameInEachScheme) {
   }
 }
 
-TEST(DeviceSpec, TheVirtualPrinterNeedsNoPlaceAndHasADefaultName) {
+TEST(DeviceSpec, TheVirtualPrinterNeedsNoAddressAndHasADefaultName) {
   const DeviceSpec spec = parseDeviceSpec("virtual:");
   EXPECT_EQ(spec.place, "");
   EXPECT_EQ(spec.identity.name, "virtual printer");
@@ -148,7 +148,7 @@ TEST(DeviceSpec, APathOfATerminalDeviceNeedsNoScheme) {
   }
 }
 
-TEST(DeviceSpec, AUsbPrinterAcceptsAnyPlaceEvenAnEmptyOne) {
+TEST(DeviceSpec, AUsbPrinterAcceptsAnyAddressEvenAnEmptyOne) {
   for (const char* place : {"", "S 1/7", "04b8:0202", "/dev/usb/lp0"}) {
     EXPECT_EQ(parseDeviceSpec("usb:"s + place).place, place);
   }
@@ -190,7 +190,7 @@ TEST(Scheme, EachErrorOfTheUsbDriverHasItsOwnAdvice) {
   }
 }
 
-TEST(OpenCause, MatchesItsErrorNumberInTheSystemAndGenericCategoriesOnly) {
+TEST(OpenCause, MatchesAnErrorNumberOnlyInTheSystemAndGenericCategories) {
   const OpenCause busy{EBUSY, "in-use", "another program uses it", "end the other program"};
   EXPECT_TRUE(busy.fits({EBUSY, std::generic_category()}));
   EXPECT_TRUE(busy.fits({EBUSY, std::system_category()}));
@@ -198,7 +198,7 @@ TEST(OpenCause, MatchesItsErrorNumberInTheSystemAndGenericCategoriesOnly) {
   EXPECT_FALSE(busy.fits({ENOENT, std::system_category()}));
 }
 
-TEST(Schemes, TcpHasExactlyOneCauseForEachResolverError) {
+TEST(Schemes, TcpExplainsEachResolverErrorByExactlyOneCause) {
   const auto& causes = findScheme("tcp")->causes;
   for (const int code : {EAI_NONAME, EAI_AGAIN, EAI_FAIL}) {
     const std::error_code error(code, posix::resolverCategory());
@@ -258,7 +258,7 @@ TEST(DeviceSpec, ABackslashAtTheEndIsAnError) {
   EXPECT_THAT(failure(R"(unix:p,name=\\\)"), HasSubstr("backslash"));
 }
 
-TEST(DeviceSpec, TheErrorOfAnInvalidPlaceNamesTheValidForm) {
+TEST(DeviceSpec, TheErrorOfAnInvalidAddressShowsTheValidForm) {
   for (const std::string& wrong :
        {""s, "h"s, "h:"s, ":1"s, "h:0"s, "h:65536"s, "h:-1"s, "h:1 "s, "h h:1"s, "::1:9100"s,
         "[]:1"s, "h\0i:1"s, "h:1\0"s, std::string(254, 'h') + ":1"}) {
@@ -281,7 +281,7 @@ TEST(HostAndPort, AreSplitAtTheLastColonAndBracketsAreRemoved) {
   EXPECT_EQ(parseHostAndPort("[::1]:65535").port, 65535);
 }
 
-TEST(HostAndPort, ABracketAtOneEndOrABlankIsRefused) {
+TEST(HostAndPort, AnUnpairedBracketOrABlankIsRefused) {
   for (const char* text :
        {"[::1:9100", "::1]:9100", "a b:9100", "caf\xc3\xa9:9100", "h\x7f:9100"}) {
     EXPECT_THROW(parseHostAndPort(text), std::invalid_argument) << text;
@@ -309,7 +309,7 @@ TEST(DeviceSpec, AcceptsValuesOfAnyLengthWithAnyByte) {
   EXPECT_EQ(parseDeviceSpec("virtual:,name=" + huge).identity.name, huge);
 }
 
-TEST(DeviceText, CanBeParsedBackToTheSamePlace) {
+TEST(DeviceText, GivesTheSameAddressAgainWhenParsed) {
   for (const std::string place : {"S 1/7", "a,b", "a\\b", "\\", ",baud=9600"}) {
     EXPECT_EQ(parseDeviceSpec(spec::deviceText("usb", place)).place, place);
   }

@@ -34,7 +34,7 @@ TEST(Devices, TheAccessoryOfEverySchemeIsConnectedAndHasTheGivenTexts) {
   }
 }
 
-TEST(Devices, TheDescriptionOfAnAccessoryContainsTheTextsThatAreSet) {
+TEST(Devices, TheDescriptionOfAnAccessoryContainsTheKeysThatAreSet) {
   EXPECT_EQ(make("unix:/a,id=7,name=N,model=M,serial=S,manufacturer=K,address=01:23:45:67:89:ab")
                 ->description(),
             "<accessory 7, address 01:23:45:67:89:ab: N, model M, serial S, maker K>");
@@ -86,7 +86,7 @@ TEST(Devices, TheVirtualPrinterIsNotLostAfterTheEndOfItsSession) {
   EXPECT_TRUE(simulated->isConnected());
 }
 
-TEST(Devices, AMissingUsbPrinterIsNamedBySchemeAndPlaceByDefault) {
+TEST(Devices, AMissingUsbPrinterIsNamedBySchemeAndAddressByDefault) {
   EXPECT_EQ(make("usb:no such printer")->name(), "usb:no such printer");
   EXPECT_EQ(make("usb:no such printer,name=Till")->name(), "Till");
 }
@@ -103,7 +103,7 @@ TEST(Devices, TheErrorOfAnUnknownSchemeNamesTheScheme) {
   }
 }
 
-TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
+TEST(Devices, OpensASocketAndASerialLineByTheirPaths) {
   const test::TemporaryFolder folder;
   const auto listener = test::Listener::at(folder.file("s,1"), 1);
   EXPECT_NE(make("unix:" + folder.file("s\\,1"))->openSession(protocol), nullptr);
@@ -113,7 +113,7 @@ TEST(Devices, OpensASocketAndASerialLineAtTheirPlaces) {
   EXPECT_NE(make("serial:" + terminal.line)->openSession(protocol), nullptr);
 }
 
-TEST(Devices, ASerialLineGetsTheSettingsOfItsKeys) {
+TEST(Devices, ASerialLineGetsTheSettingsInTheDeviceText) {
   const auto terminal = test::openPseudoTerminal();
   const posix::Descriptor master(terminal.master, posix::Descriptor::Kind::Terminal);
   const auto session =
@@ -143,7 +143,7 @@ const Scheme flock = {
         },
 };
 
-TEST(Devices, ASchemeWithoutAPlaceMeansAllDevicesOfTheScheme) {
+TEST(Devices, ASchemeWithoutAnAddressMeansAllDevicesOfTheScheme) {
   addScheme(flock);
   using Texts = std::vector<std::string>;
   EXPECT_EQ(devicesMeantBy("flock:"), (Texts{"flock:grey", "flock:white"}));
@@ -154,7 +154,7 @@ TEST(Devices, ASchemeWithoutAPlaceMeansAllDevicesOfTheScheme) {
   EXPECT_EQ(devicesMeantBy("pigeon:"), Texts{"pigeon:"});
 }
 
-TEST(Devices, ConnectingDevicesSetsThePlatformOfTheProcess) {
+TEST(Devices, TheConnectedDevicesAreOnThePlatformOfTheProcess) {
   const auto platform = connectDevices({"unix:/a,id=4", "tcp:127.0.0.1:9,id=3"});
   EXPECT_EQ(processPlatform(), platform);
   const auto accessories = platform->sharedAccessoryManager().connectedAccessories();

@@ -68,7 +68,7 @@ std::vector<std::string> waysToSet(const std::string& line) {
   return ways;
 }
 
-TEST(SerialSettingsToTry, AreSpeedsThenFramingsThenNoFlowControl) {
+TEST(SerialSettingsToTry, VaryTheSpeedThenTheFramingAndFinallyOmitFlowControl) {
   EXPECT_THAT(waysToSet("serial:/dev/x,baud=4800,flow=xonxoff"),
               ElementsAre(" at 4800 baud, flow control xonxoff",
                           "wrong-speed,baud=1200 at 1200 baud, flow control xonxoff",

@@ -50,7 +50,7 @@ TEST(BackEndJob, ReadsTheTimeOfTheJobsEarlierCompletion) {
             1795316641);
 }
 
-TEST(BackEndJob, IsOfAPrinterClassIfTheVariableClassIsSet) {
+TEST(BackEndJob, IsOfAPrinterClassIfTheEnvironmentVariableClassIsSet) {
   Variables variables = usual;
   variables["CLASS"] = "tills";
   EXPECT_TRUE(parse({"quor", "1", "a", "t", "1", ""}, variables).isOfClass);

@@ -54,7 +54,7 @@ TEST_F(ReleaseOfAHeldJob, IsUncertainWithoutARecordOrAScheduler) {
   EXPECT_FALSE(isReleased(told, std::nullopt, recordOf(told + 30'000)));
 }
 
-TEST_F(ReleaseOfAHeldJob, SchedulerStartIsRoundedUpToTheClockTick) {
+TEST_F(ReleaseOfAHeldJob, TheStartTimeOfTheSchedulerIsRoundedUpToTheClockTick) {
   const auto start = schedulerStart(::getpid());
   ASSERT_TRUE(start);
   const std::int64_t tick = 1000 / ::sysconf(_SC_CLK_TCK);

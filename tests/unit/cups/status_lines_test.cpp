@@ -117,7 +117,7 @@ TEST(StateReasons, ShowThePrinterStatusInThePrintSystemsKeywords) {
   EXPECT_EQ(reasonsIn(status(&QuorPrinterStatus_2::cutterError)), StateReasons{"other-error"});
 }
 
-TEST(StateReasons, ListContainsOnlyReasonsThatTheBackEndReports) {
+TEST(StateReasons, IncludeOnlyReasonsThatTheBackEndReports) {
   EXPECT_TRUE(everyReason().count("quor-unconfirmed-warning"));
   EXPECT_TRUE(everyReason().count("cover-open-error"));
   EXPECT_FALSE(everyReason().count("toner-low-warning"));

@@ -61,7 +61,7 @@ TEST(EventReader, ReadsTheInitialTextsAndThenEachNewEvent) {
   }
 }
 
-TEST(EventReader, IsLostIfTheLogHasDroppedItsNextEvent) {
+TEST(EventReader, CannotContinueIfTheLogHasDroppedTheEventToReadNext) {
   EventLog log(100);
   EventReader reader(log, {}, 0);
   log.add("state", "0123456789");

@@ -79,7 +79,7 @@ TEST(RequestGate, RefusesEveryOtherOrigin) {
   }
 }
 
-TEST(RequestGate, AcceptsControlLinesOnlyAsJson) {
+TEST(RequestGate, AcceptsControlRequestsOnlyAsPostedJson) {
   Visit asked = visit();
   asked.method = "POST";
   for (const char* type : {"application/json", "application/json; charset=utf-8"}) {

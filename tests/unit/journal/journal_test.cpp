@@ -241,7 +241,7 @@ TEST_F(JournalTest, ForgetsEachJobExactlyOnceIfTwoThreadsTry) {
   EXPECT_EQ(answers.at(static_cast<std::size_t>(Forgetting::BeingPrinted)), 0);
 }
 
-TEST_F(JournalTest, ShowsAPrintedJobAsPrintedWhileAProcessRequestsTheJob) {
+TEST_F(JournalTest, ShowsAPrintedJobAsPrintedEvenWhileTheJobIsRequestedAgain) {
   Till till(ZKEmulationQuorLine);
   print(till, "receipt 1");
   Journal journal(file);

@@ -187,7 +187,7 @@ TEST_P(NamedJobTest, AJobIsRecordedAsBegunBeforeItsFirstByteIsSent) {
   EXPECT_EQ(seen, std::vector<std::string>{"the job is being printed"});
 }
 
-TEST_P(NamedJobTest, AJobIsUnconfirmedIfAnotherProcessPrintsTheJobPastTheTimeout) {
+TEST_P(NamedJobTest, AJobIsUnconfirmedIfAnotherProcessStillPrintsTheJobAtTheTimeout) {
   Journal journal(file);
   const NamedJob held(journal, request("receipt 1"), receiptText);
   int waits = 0;
@@ -231,7 +231,7 @@ TEST_P(NamedJobTest, AJobIsRecordedAsRefusedIfThePrinterCannotBeReached) {
   EXPECT_EQ(print(till, "receipt 1").result.outcome, PrintOutcome::Printed);
 }
 
-TEST_P(NamedJobTest, AnAnswerShowsWhenAPersonWasInformedOfTheOutcome) {
+TEST_P(NamedJobTest, ALaterAnswerContainsTheTimeAtWhichAPersonWasInformed) {
   dieInTheMiddle("receipt 1");
   Journal journal(file);
   const std::int64_t begun = onlyJob().begun;
@@ -262,7 +262,7 @@ TEST_P(NamedJobTest, ALaterAttemptIsNotMarkedAsReportedToAPerson) {
   EXPECT_FALSE(NamedJob(journal, request("receipt 1"), receiptText).answer()->told);
 }
 
-TEST_P(NamedJobTest, AJobMarkedAsReportedWhilePrintingIsStillRecordedAsPrinted) {
+TEST_P(NamedJobTest, AJobIsRecordedAsPrintedEvenIfItWasMarkedAsReportedWhilePrinting) {
   Journal journal(file);
   NamedJob printing(journal, request("receipt 1"), receiptText);
   PrintJob job(till.port, printing.recorded({.progress = [this](const PrintProgress& progress) {
@@ -328,7 +328,7 @@ TEST_F(JobName, AnInvalidNameIsAUsageErrorAndSendsNothing) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_F(JobName, NamesUpTo255BytesInEveryLanguageAreAccepted) {
+TEST_F(JobName, MayHaveUpTo255BytesOfTextInAnyLanguage) {
   Till till(ZKEmulationQuorLine);
   for (const std::string& name : {std::string("1"), std::string(255, 'n'),
                                   std::string("Größe 日本 🧾"), std::string("' OR 1")}) {

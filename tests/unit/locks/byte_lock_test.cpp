@@ -120,7 +120,7 @@ TEST_F(ByteLockTest, CreatesItsFileWithTheGivenMode) {
   }
 }
 
-TEST_F(ByteLockTest, ThrowsIfItsFileCannotBeOpenedOrIsALink) {
+TEST_F(ByteLockTest, ThrowsIfItsFileIsASymbolicLinkOrCannotBeOpened) {
   EXPECT_THROW(ByteLock::tryTake(folder.file("none/locks"), 1, mode), std::system_error);
   ASSERT_EQ(::symlink(file.c_str(), folder.file("link").c_str()), 0);
   EXPECT_THROW(ByteLock::tryTake(folder.file("link"), 1, mode), std::system_error);

@@ -89,7 +89,7 @@ TEST_F(LogQueueTest, RecordsTheTimeOfTheFirstDrop) {
   EXPECT_EQ(take().firstDropTime.time_since_epoch(), 2s);
 }
 
-TEST_F(LogQueueTest, CountsADropInOneBatchOnly) {
+TEST_F(LogQueueTest, CountsADroppedRecordOnlyInTheNextBatch) {
   queue_.setCapacity(1);
   queue_.open();
   push("a");

@@ -60,7 +60,7 @@ TEST(DipSwitchReply, SettingsEndAtTheLastLineFeedOfTheInput) {
   EXPECT_EQ(settings(reply('1', {0x12, 0x34}) + reply('2', {0x56, 0x78})), (Place{4, 9}));
 }
 
-TEST(DipSwitchReply, SettingsEndBeforeBytesAfterTheLastLineFeed) {
+TEST(DipSwitchReply, SettingsExcludeBytesAfterTheLastLineFeed) {
   EXPECT_EQ(settings(reply('2', {0x12, 0x34}) + Bytes{0x00, 0x89}), (Place{4, 2}));
 }
 

@@ -88,7 +88,7 @@ TEST(EscPosStatus, EveryByteIsRejectedForAnUnknownQuery) {
   }
 }
 
-TEST(EscPosStatus, PaperOutOrNearEndNeedsOnlyOneOfItsTwoBits) {
+TEST(EscPosStatus, OneOfTwoBitsSufficesForPaperOutAndForPaperNearEnd) {
   for (const int byte : {0x32, 0x52, 0x72}) {
     QuorPrinterStatus_2 status = recordAnswering(byte);
     ASSERT_NE(BuildParsedStatusESCPOS(&status, StatusType::PaperEmpty), 0);

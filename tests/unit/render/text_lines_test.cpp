@@ -30,7 +30,7 @@ std::string refusalOf(const std::string& text) {
   return "";
 }
 
-TEST(TextLines, EndAtALineFeedACarriageReturnWithLineFeedOrAFormFeed) {
+TEST(TextLines, EndAtLineFeedOrCrLfOrFormFeed) {
   EXPECT_EQ(linesOf("one\ntwo\r\n\nfour\ffive"), (Lines{"one", "two", "", "four", "five"}));
 }
 

@@ -48,7 +48,7 @@ TEST(PrintedText, IsDrawnAsAnImageIfTheCodePageLacksACharacter) {
   EXPECT_TRUE(isDrawn(printed("Спасибо", CodePage("16"))));
 }
 
-TEST(PrintedText, IsEncodedInItsCodePageAfterOneSelection) {
+TEST(PrintedText, IsEncodedInItsCodePageWhichIsSelectedOnlyOnce) {
   EXPECT_EQ(printed("3 €\ncafé\n", CodePage("16")), selectPage16 + ascii("3 \x80\ncaf\xe9\n"));
 }
 
@@ -67,7 +67,7 @@ TEST(PrintedText, IsTheSameIfTheTextArrivesByteByByte) {
   EXPECT_EQ(job.all(), printed(text));
 }
 
-TEST(PrintedText, HasAnEmptyLineBetweenTwoDrawnLines) {
+TEST(PrintedText, HasAnEmptyLineBetweenTwoLinesPrintedAsPictures) {
   const Bytes once = printed("é\né\n");
   const Bytes apart = printed("é\n\né\n");
   EXPECT_GT(apart.size(), once.size());
