@@ -111,7 +111,7 @@ TEST_P(JobCancellation, SendsNothingIfTheJobHasNotBegun) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(JobCancellation, SendsNoLastCommandsIfTheLinkIsFull) {
+TEST_P(JobCancellation, SendsNoCommandsIfTheLinkHasNoSpace) {
   for (const char* const noSpace : {"0:60000", "300:60000"}) {
     Till till(GetParam());
     till.port->close();

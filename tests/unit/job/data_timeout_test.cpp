@@ -61,7 +61,7 @@ TEST_P(DataTimeout, DoesNotDropLaterJobsAfterACancelledJob) {
   EXPECT_TRUE(printsLaterOn(till));
 }
 
-TEST_P(DataTimeout, IsEndedByACancelledJobEvenIfAnEarlierJobHasSetIt) {
+TEST_P(DataTimeout, DoesNotDropLaterJobsAfterACancelEvenIfAnEarlierJobHasSetIt) {
   Till till = tillWithTimeout(PrinterBuilder().speed(1000));
   EXPECT_EQ(till.print(receiptText).outcome, PrintOutcome::Printed);
   till.port->setDataTimeoutSeconds(-1);

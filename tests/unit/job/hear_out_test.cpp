@@ -44,7 +44,7 @@ class Hearing : private TransferObserver {
   EscPosAnswers answers_;
 };
 
-TEST(WaitForLateAnswers, EndsAfterTwoRequestsWithOneAnswerEachAndASecondOfSilence) {
+TEST(WaitForLateAnswers, EndsAfterTwoRequestsEachAnsweredOnceAndFollowedByOneSecondOfSilence) {
   Hearing hearing;
   EXPECT_TRUE(hearing.hearOut());
   EXPECT_EQ(hearing.answers(), 2U);

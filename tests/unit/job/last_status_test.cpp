@@ -63,7 +63,7 @@ TEST(LastStatus, LeavesTheJobUnconfirmedIfItReportsAnError) {
   EXPECT_EQ(errors, 17) << "sixteen errors, and off line";
 }
 
-TEST(LastStatus, LeavesTheJobUnconfirmedIfTheNextStatusHasAnotherCount) {
+TEST(LastStatus, LeavesTheJobUnconfirmedIfTheLastTwoStatusesHaveDifferentCounts) {
   const PrintResult result = printOn({statusOf(1), statusOf(2), statusOf(1)});
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.reason, "the printer's last two answers do not agree after all 8 bytes");

@@ -124,7 +124,7 @@ TEST(JobWithOddAnswers, IsRefusedIfThePrinterDoesNotResetItsCounter) {
   }
 }
 
-TEST(JobWithOddAnswers, IsRefusedBecauseTheLinkIsLostIfAFullLinkEnds) {
+TEST(JobWithOddAnswers, IsRefusedIfTheLinkIsLostWhileItHasNoSpace) {
   const PrintResult result = printOn(Script().hasNoSpace().isLost(1.0), {.proof = ProofKind::None});
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.obstacle, PrintObstacle::LinkLost);

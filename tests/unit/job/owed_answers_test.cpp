@@ -11,7 +11,7 @@ const Bytes lineModeRequest = {0x1b, 0x2a, 0x72, 0x42, 0x1b, 0x1d, 0x03,
                                0x04, 0x00, 0x00, 0x1b, 0x06, 0x01};
 const Bytes statusBlock = {0x89, 1, 0x80, 0x81, 0x82, 0, 0, 0, 5};
 
-TEST(OwedAnswers, AreOwedFromTheWholeRequestUntilTheWholeAnswer) {
+TEST(OwedAnswers, AreOwedFromTheEndOfTheRequestToTheEndOfTheAnswer) {
   OwedAnswers answers(ZKEmulationQuorLine);
   EXPECT_FALSE(answers.isAnyOwed());
   for (const auto byte : lineModeRequest) {
@@ -38,7 +38,7 @@ TEST(OwedAnswers, AreCountedForEachRequest) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, DoNotMatchForgottenSurplusAnswersToLaterRequests) {
+TEST(OwedAnswers, AreOwedForALaterRequestAfterSurplusAnswersAreForgotten) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.read(statusBlock);
   answers.written(lineModeRequest);
@@ -64,7 +64,7 @@ TEST(OwedAnswers, IgnoreBytesThatAreNoStatusBlock) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, AreSingleBytesOutsideReportsInEscPos) {
+TEST(OwedAnswers, InEscPosAreSingleBytesThatBelongToNoBlockReport) {
   OwedAnswers answers(ZKEmulationESCPOS);
   for (const std::uint8_t query : Bytes{1, 2, 4}) {
     answers.written(Bytes{0x10, 0x04, query});

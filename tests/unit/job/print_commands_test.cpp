@@ -110,9 +110,9 @@ std::string nameOf(const testing::TestParamInfo<Command>& info) {
   return name;
 }
 
-class UncountedCommands : public testing::TestWithParam<Command> {};
+class CommandsWithoutAPayloadLength : public testing::TestWithParam<Command> {};
 
-TEST_P(UncountedCommands, EndAfterTheirParameters) {
+TEST_P(CommandsWithoutAPayloadLength, EndAfterTheirParameters) {
   for (const std::size_t bytesAfter : {0U, 16U}) {
     auto data = GetParam().bytes;
     const std::size_t length = data.size();
@@ -124,7 +124,7 @@ TEST_P(UncountedCommands, EndAfterTheirParameters) {
   }
 }
 
-TEST_P(UncountedCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
+TEST_P(CommandsWithoutAPayloadLength, ReachBeyondTheDataIfTheirLastByteIsMissing) {
   auto data = GetParam().bytes;
   data.pop_back();
   const auto command = printCommandAt(data);
@@ -132,7 +132,7 @@ TEST_P(UncountedCommands, AreLongerThanTheDataIfTheirEndIsMissing) {
   EXPECT_GT(command->length, data.size());
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, UncountedCommands, testing::ValuesIn(commands), nameOf);
+INSTANTIATE_TEST_SUITE_P(Each, CommandsWithoutAPayloadLength, testing::ValuesIn(commands), nameOf);
 
 /// A command up to its payload, and the length of the payload.
 struct CountedCommand {
@@ -168,7 +168,7 @@ const CountedCommand countedCommands[] = {
     {{0x1d, 0x6b, 79, 255}, 255},
 };
 
-TEST(CountedCommands, EndAfterTheirCountedPayload) {
+TEST(CommandsWithAPayloadLength, EndAfterTheirCountedPayload) {
   for (const CountedCommand& row : countedCommands) {
     for (const std::size_t bytesAfter : {0U, 16U}) {
       auto data = row.head;
@@ -181,7 +181,7 @@ TEST(CountedCommands, EndAfterTheirCountedPayload) {
   }
 }
 
-TEST(CountedCommands, HaveTheLengthThatTheirHeaderGives) {
+TEST(CommandsWithAPayloadLength, HaveTheLengthThatTheirHeaderGives) {
   for (const CountedCommand& row : countedCommands) {
     const auto command = printCommandAt(row.head);
     ASSERT_TRUE(command) << testing::PrintToString(row.head);
@@ -189,7 +189,7 @@ TEST(CountedCommands, HaveTheLengthThatTheirHeaderGives) {
   }
 }
 
-TEST(CountedCommands, AreLongerThanTheDataIfAByteIsMissing) {
+TEST(CommandsWithAPayloadLength, ReachBeyondTheDataIfTheirLastByteIsMissing) {
   for (const CountedCommand& row : countedCommands) {
     auto data = row.head;
     data.insert(data.end(), row.payload, 0);
@@ -224,7 +224,7 @@ TEST(UnknownCommands, AreNotParsed) {
   }
 }
 
-TEST(TerminatedBarcodes, EndAtTheirZeroAfterAtMost255PrintableCharacters) {
+TEST(TerminatedBarcodes, EndAtAZeroByteAfterAtMost255PrintableCharacters) {
   for (const std::uint8_t kind : {std::uint8_t{0}, std::uint8_t{6}}) {
     for (const std::size_t count : {0U, 255U, 256U}) {
       std::vector<std::uint8_t> data = {0x1d, 0x6b, kind};

@@ -219,7 +219,7 @@ TEST(CommandEnd, IsTheEndOfTheCommandThatContainsTheOffset) {
   EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
-TEST(ObstacleToASignAfterTheData, IsACommandOutsideImagesThatMakesThePrinterDropData) {
+TEST(ReasonAgainstAQueryAfterTheData, IsACommandThatMakesThePrinterDropData) {
   EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
   for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
@@ -229,12 +229,12 @@ TEST(ObstacleToASignAfterTheData, IsACommandOutsideImagesThatMakesThePrinterDrop
   }
 }
 
-TEST(ObstacleToASignAfterTheData, IsAnIncompleteCommandAtTheEndOfTheData) {
+TEST(ReasonAgainstAQueryAfterTheData, IsAnIncompleteCommandAtTheEndOfTheData) {
   EXPECT_THAT(endSignObstacle(Bytes{'a', 0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}).value_or(""),
               HasSubstr("the data ends inside the command that begins at byte 1"));
 }
 
-TEST(ObstacleToASignAfterTheData, InsideAnImageCanOnlyBeTheRealTimeClearCommand) {
+TEST(ReasonAgainstAQueryAfterTheData, InsideAnImageIsOnlyTheRealTimeClearCommand) {
   for (const Bytes& before : {Bytes{}, Bytes{'a'}}) {
     Bytes data = before;
     data.insert(data.end(), {0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03});
@@ -263,7 +263,7 @@ TEST(InOrderRequests, AreCountedOnlyOutsidePayloadsAndParameters) {
   }
 }
 
-TEST(InOrderRequests, CannotBeCountedInDataWithAQuestionAboutGraphics) {
+TEST(InOrderRequests, CannotBeCountedInDataThatContainsAGraphicsQuery) {
   const std::set<int> questions = {0x00, 0x03, 0x04, 0x30, 0x33, 0x34, 0x40, 0x50};
   for (int function = 0; function <= 0xff; ++function) {
     const auto byte = static_cast<std::uint8_t>(function);
@@ -273,7 +273,7 @@ TEST(InOrderRequests, CannotBeCountedInDataWithAQuestionAboutGraphics) {
   EXPECT_TRUE(inOrderRequestsIn(Bytes{0x1d, 0x28, 0x4c, 0x01, 0x00, 0x30})) << "no function";
 }
 
-TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrARequestWithASimilarAnswer) {
+TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrASimilarlyAnsweredRequest) {
   for (const char* const data :
        {"1b ff 61 1d 72 01", "1b ff 61 1b 76", "1c 1d 72 01", "1d 49 41", "1b 76", "1b 75 00",
         "1b 06 01", "1b 23 2a 0a 00", "1d 28 45 02 00 04 01", "1d 28 4c 02 00 30 00",

@@ -92,7 +92,7 @@ TEST_P(InBothEmulations, AJobIsRefusedWithoutSendingAByteIfTheCoverIsOpen) {
   EXPECT_EQ(till.printed(), ByteBuffer());
 }
 
-TEST_P(InBothEmulations, AJobIsUnconfirmedWithCountAndCauseIfPaperRunsOut) {
+TEST_P(InBothEmulations, AJobThatRunsOutOfPaperIsUnconfirmedAndReportsByteCountAndCause) {
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
   till.after(milliseconds(2000), "receiptPaperEmpty", true);
   const PrintResult result = till.print(receiptText);
@@ -232,7 +232,7 @@ TEST_P(InBothEmulations, ALostLinkIsReportedEvenIfAnswersAreUnread) {
   }
 }
 
-TEST_P(InBothEmulations, ALinkLostAfterTheDataIsReportedAtOnce) {
+TEST_P(InBothEmulations, AJobReportsAtOnceThatTheLinkWasLostAfterAllData) {
   for (int millis = 2000; millis < 2400; millis += 10) {
     Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
     simulator::Faults faults = with("late-reply", "100");

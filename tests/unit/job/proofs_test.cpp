@@ -91,7 +91,7 @@ TEST(PrinterWithoutProof, IsAskedForProofsOnlyOnceOnAPort) {
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST(PrinterWithoutProof, StillOwesTheInOrderAnswerWhenTheJobEnds) {
+TEST(PrinterWithoutProof, IsStillExpectedToAnswerTheInOrderRequestWhenTheJobEnds) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(memoryOf(till.port).owed.empty());
   PrintJob(till.port).run(receiptText);
@@ -121,7 +121,7 @@ TEST(PrinterWithoutProof, RefusesALaterJobIfItsCoverIsOpen) {
   EXPECT_EQ(result.reason, "cover open");
 }
 
-TEST(NamedProof, IsUsedWithoutAskingThePrinter) {
+TEST(ChosenProof, IsUsedWithoutAskingThePrinter) {
   Till till(printerWith("process-id+in-order"),
             {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   const PrintResult result = PrintJob(till.port).run(receiptText);
@@ -130,7 +130,7 @@ TEST(NamedProof, IsUsedWithoutAskingThePrinter) {
   EXPECT_FALSE(result.hasAskedForProof);
 }
 
-TEST(NamedProof, OfAJobOverridesTheProofThatTheDeviceNames) {
+TEST(ChosenProof, OfAJobOverridesTheChoiceOfTheDevice) {
   Till till(printerWith("process-id+in-order"),
             {.emulation = ZKEmulationESCPOS, .proof = ProofKind::InOrder});
   EXPECT_EQ(PrintJob(till.port, {.proof = ProofKind::ProcessId}).run(receiptText).proof,
@@ -140,14 +140,14 @@ TEST(NamedProof, OfAJobOverridesTheProofThatTheDeviceNames) {
   EXPECT_TRUE(asked.hasAskedForProof);
 }
 
-TEST(NamedProof, TheValueNoneLeavesTheJobUnconfirmed) {
+TEST(ChosenProof, LeavesTheJobUnconfirmedIfTheChoiceIsNone) {
   Till till(printerWith("block"), {.emulation = ZKEmulationESCPOS, .proof = ProofKind::None});
   const PrintResult result = PrintJob(till.port).run(receiptText);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.proof, ProofKind::None);
 }
 
-TEST(NamedProof, TheValueNoneWorksInAnUnknownEmulation) {
+TEST(ChosenProof, CanBeNoneInAnUnknownEmulation) {
   Till till(PrinterBuilder(), {.emulation = ZKEmulationUnknown, .proof = ProofKind::None});
   EXPECT_THAT(PrintJob(till.port).run(receiptText).reason,
               testing::HasSubstr("no confirmation was requested"));
@@ -161,7 +161,7 @@ TEST(ProofName, IdentifiesItsProof) {
   EXPECT_EQ(proofNamed("Block"), std::nullopt);
 }
 
-class ProofByASignAfterTheData : public testing::TestWithParam<ProofKind> {
+class ProofByAQueryAfterTheData : public testing::TestWithParam<ProofKind> {
  protected:
   static PrintResult printBy(Till& till, PrintJob::Options options = {}) {
     options.proof = GetParam();
@@ -170,10 +170,10 @@ class ProofByASignAfterTheData : public testing::TestWithParam<ProofKind> {
   static const char* name() { return nameOf(GetParam()).data(); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Job, ProofByASignAfterTheData,
+INSTANTIATE_TEST_SUITE_P(Job, ProofByAQueryAfterTheData,
                          testing::Values(ProofKind::ProcessId, ProofKind::InOrder));
 
-TEST_P(ProofByASignAfterTheData, WaitsForAPausedPrinterAndReportsTheCause) {
+TEST_P(ProofByAQueryAfterTheData, WaitsForAPausedPrinterAndReportsTheCauseOfThePause) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.after(milliseconds(2000), "coverOpen", true);
   till.after(milliseconds(5000), "coverOpen", false);
@@ -185,7 +185,7 @@ TEST_P(ProofByASignAfterTheData, WaitsForAPausedPrinterAndReportsTheCause) {
   EXPECT_THAT(waits, testing::Contains("cover open"));
 }
 
-TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedAtTheEndTimeoutAndReportsTheCause) {
+TEST_P(ProofByAQueryAfterTheData, LeavesTheJobUnconfirmedAndReportsTheCauseAfterTheEndTimeout) {
   Till till = tillWith(printerWith(name()).speed(10));
   till.port->setEndCheckedBlockTimeoutMillis(5000);
   till.after(milliseconds(2000), "coverOpen", true);
@@ -196,19 +196,19 @@ TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedAtTheEndTimeoutAndReport
   EXPECT_LT(till.platform->clock().monotonic() - start, seconds(12));
 }
 
-TEST_P(ProofByASignAfterTheData, RefusesAPrinterThatIsNotReady) {
+TEST_P(ProofByAQueryAfterTheData, RefusesAPrinterThatIsNotReady) {
   Till till = tillWith(printerWith(name()).coverOpen());
   const PrintResult result = printBy(till);
   EXPECT_EQ(result.outcome, PrintOutcome::Refused);
   EXPECT_EQ(result.reason, "cover open");
 }
 
-TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedIfThePrinterLacksTheProof) {
+TEST_P(ProofByAQueryAfterTheData, LeavesTheJobUnconfirmedIfThePrinterLacksTheProof) {
   Till till = tillWith(printerWith("none"));
   EXPECT_EQ(printBy(till).outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST_P(ProofByASignAfterTheData, IsUnaffectedByARequestForASignInsideTheData) {
+TEST_P(ProofByAQueryAfterTheData, IsUnaffectedByASimilarQueryInsideTheData) {
   for (const char* const question : {"1d 28 48 06 00 30 30 41 42 43 44", "1d 72 01"}) {
     for (const char* const wrapped : {"", "1d 76 30 00 0b 00 01 00 "}) {
       ByteBuffer data = test::bytes(std::string(wrapped) + question);
@@ -224,7 +224,7 @@ TEST_P(ProofByASignAfterTheData, IsUnaffectedByARequestForASignInsideTheData) {
   }
 }
 
-TEST_P(ProofByASignAfterTheData, LeavesTheJobUnconfirmedIfTheDataMakesThePrinterDropData) {
+TEST_P(ProofByAQueryAfterTheData, LeavesTheJobUnconfirmedIfTheDataClearsThePrintersBuffer) {
   Till till = tillWith(printerWith(name()));
   ByteBuffer data = receiptText;
   data.insert(data.end(), {0x10, 0x14, 0x08, 0x01, 0x03, 0x14, 0x01, 0x06, 0x02, 0x08});
@@ -244,10 +244,10 @@ std::ostream& operator<<(std::ostream& out, const SignFault& fault) {
   return out << nameOf(fault.proof) << ", " << fault.name << "=" << fault.value;
 }
 
-class FaultySignAfterTheData : public testing::TestWithParam<SignFault> {};
+class FaultyConfirmingAnswer : public testing::TestWithParam<SignFault> {};
 
 INSTANTIATE_TEST_SUITE_P(
-    Job, FaultySignAfterTheData,
+    Job, FaultyConfirmingAnswer,
     testing::Values(SignFault{ProofKind::ProcessId, "wrong-id", "all", false},
                     SignFault{ProofKind::ProcessId, "late-reply", "3000@process-id", true},
                     SignFault{ProofKind::ProcessId, "late-reply", "30000@process-id", false},
@@ -261,7 +261,7 @@ INSTANTIATE_TEST_SUITE_P(
                     SignFault{ProofKind::InOrder, "foreign-reply", "in-order", false},
                     SignFault{ProofKind::InOrder, "drop-reply", "in-order", false}));
 
-TEST_P(FaultySignAfterTheData, ConfirmsTheJobOnlyIfItIsUnambiguousAndInTime) {
+TEST_P(FaultyConfirmingAnswer, IsAcceptedOnlyIfUnambiguousAndInTime) {
   Till till = tillWith(printerWith("process-id+in-order"));
   till.reopenWith(with(GetParam().name, GetParam().value));
   const PrintResult result = PrintJob(till.port, {.proof = GetParam().proof}).run(receiptText);
@@ -365,7 +365,7 @@ TEST(InOrderProof, IsAbandonedIfAnUnaskedAnswerArrivesDuringTheData) {
             "not every question to the printer had exactly one answer after all 45 bytes");
 }
 
-TEST(ProcessIds, DifferFromTheIdsThatTheDataRequests) {
+TEST(ProcessIds, DifferFromAllIdsRequestedInsideTheData) {
   ByteBuffer data;
   {
     test::VirtualPlatform sameNumbers;
@@ -382,7 +382,7 @@ TEST(ProcessIds, DifferFromTheIdsThatTheDataRequests) {
   EXPECT_EQ(std::count(paper.begin(), paper.end(), 'x'), 200);
 }
 
-TEST(InOrderProof, DoesNotConfirmDataThatRequestsAnswersLikeInOrderAnswers) {
+TEST(InOrderProof, DoesNotConfirmDataThatRequestsSimilarAnswers) {
   Till till = tillWith(printerWith("in-order"));
   const PrintResult result = PrintJob(till.port).run(ByteBuffer{'a', 0x1d, 0x49, 0x41, '\n'});
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
