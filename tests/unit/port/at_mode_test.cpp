@@ -87,7 +87,7 @@ TEST(AtCommandMode, ThrowsARangeErrorIfTheModuleAnswersOkWithoutAWholeAddress) {
   }
 }
 
-TEST(ModuleReply, IsTheSettingTitleAndTheRequestedNumberOfCharactersAfterIt) {
+TEST(ModuleReply, IsTheSettingTitlePlusTheRequestedNumberOfCharacters) {
   const Outcome run = receiving(address + fine).run(getPrinterResponse("*AILBA:", 12, 10000));
   EXPECT_EQ(run.result, "\"*AILBA:0011223344FF\"");
   EXPECT_EQ(run.records(reader),
@@ -107,7 +107,7 @@ TEST(ModuleReply, IsTheErrorEvenIfOtherTextPrecedesTheError) {
   EXPECT_TRUE(run.records(reader).ends_with("End | T, 1, 1000, -> \r\nERROR\r\n\n"));
 }
 
-TEST(ModuleReply, IsOnlyOkIfNoSettingTitleIsGiven) {
+TEST(ModuleReply, IsJustOkIfNoSettingTitleIsGiven) {
   const Outcome run = receiving(ascii("a") + fine).run(getPrinterResponse({}, 5, 1000));
   EXPECT_EQ(run.result, "\"\r\nOK\r\n\"");
   EXPECT_TRUE(run.records(reader).starts_with("Start | (null), 5, 1000\n"));
@@ -115,7 +115,7 @@ TEST(ModuleReply, IsOnlyOkIfNoSettingTitleIsGiven) {
       "Process | settingTitle == nil, 0x0\nEnd | (null), 5, 1000, -> \r\nOK\r\n\n"));
 }
 
-TEST(ModuleReply, ReachesFromTheSettingTitleToTheEndIfTheLengthIsZero) {
+TEST(ModuleReply, IsEverythingFromTheSettingTitleOnIfTheRequestedLengthIsZero) {
   const Outcome run =
       receiving(ascii("abTITLE=7") + fine).run(getPrinterResponse("TITLE", 0, 1000));
   EXPECT_EQ(run.result, "\"TITLE=7\r\nOK\r\n\"");

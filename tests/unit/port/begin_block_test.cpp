@@ -268,7 +268,7 @@ TEST_P(BeginBlock, FailsWhenTheDataCancelCannotBeSent) {
 
 INSTANTIATE_TEST_SUITE_P(Emulation, BeginBlock, testing::Values(lineMode, escPos));
 
-TEST(BeginBlockInEscPos, SendsCounterResetStatusRequestsAndDataCancel) {
+TEST(BeginBlockInEscPos, SendsACounterResetThenStatusRequestsThenADataCancel) {
   const Outcome run = escPosPrinter().run(beginCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.caller.resultCode, 0);

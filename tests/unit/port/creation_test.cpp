@@ -133,7 +133,7 @@ TEST_F(NewPort, LetsTheApplicationChangeItsTimeouts) {
   EXPECT_EQ(port->timeoutMillis(), 10000U);
 }
 
-TEST_F(NewPort, LetsTheApplicationSetItsOtherProperties) {
+TEST_F(NewPort, HasPropertiesThatTheApplicationCanSet) {
   const Port port = create();
   port->setName("n");
   port->setSerialNumber("s");
@@ -182,7 +182,7 @@ TEST_F(NewPort, AcceptsAnEmulationNumberWithoutAName) {
   EXPECT_TRUE(records().starts_with("Start | BT:, , 0, 77\n"));
 }
 
-TEST_F(NewPort, ReleasesAnOpenSessionWithoutClosingTheSessionWhenDestroyed) {
+TEST_F(NewPort, ReleasesItsOpenSessionWithoutClosingItWhenThePortIsDestroyed) {
   Port port = create();
   EXPECT_TRUE(port->open());
   world_.trace().clear();

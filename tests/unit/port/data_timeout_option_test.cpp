@@ -27,7 +27,7 @@ std::string withoutMatch(const std::string& settings, std::size_t length) {
          settings + ", 0, 0, " + std::to_string(length) + ", 0\nEnd |\n";
 }
 
-TEST(DataTimeoutOption, IsTheNumberAfterTheFirstLowerCaseDThatADigitFollows) {
+TEST(DataTimeoutOption, IsTheFirstNumberThatDirectlyFollowsALowerCaseD) {
   const std::pair<const char*, std::int64_t> rows[] = {
       {"d10", 10},  {"mini;d255", 255}, {"d3;d7", 3},      {"abcd12x", 12}, {"d0", 0},
       {"d000", 0},  {"d0255", 255},     {"dd5", 5},        {"d d7", 7},     {"dxd9", 9},

@@ -136,7 +136,7 @@ TEST(DipSwitchBank, IsNotReadIfItsRequestCannotBeWritten) {
   )"));
 }
 
-TEST(DipSwitchBank, IsRequestedByTheByte30PlusItsNumber) {
+TEST(DipSwitchBank, IsRequestedByItsNumberPlusHex30) {
   const Outcome run = Scenario::in(lineMode, 0).run(retrieveDipSwitchBank(255));
   EXPECT_EQ(run.sent(), bytes("1b 23 2c 2f 0a 00")) << "the low eight bits of the sum";
 }

@@ -218,7 +218,7 @@ TEST(EndBlockInEscPos, FailsWhenTheStatusRequestCannotBeSent) {
               failedBy("Fail to [self writeWithRetry:statusRequestData]: <self>, <address>"));
 }
 
-TEST(EndBlockInEscPos, FailsWhenTheRepeatedCommandThatEndsDataCancelCannotBeSent) {
+TEST(EndBlockInEscPos, FailsIfTheCommandToEndDataCancelCannotBeSentTwice) {
   Scenario scenario = escPosPrinter();
   scenario.script.writeReturns(3, -1);
   const Outcome run = scenario.run(endCheckedBlock());
@@ -255,7 +255,7 @@ TEST(EndBlockInEscPos, FailsIfTheFinalStatusIsInvalid) {
           "Fail to [self getParsedStatus:quorPrinterStatus level:level]: <self>, <status>, 5"));
 }
 
-TEST(EndBlockInEscPos, SucceedsWithoutAReportEvenIfThePrinterIsOnLineAgainAtTheEnd) {
+TEST(EndBlockInEscPos, SucceedsWithoutAReportEvenIfAnOffLinePrinterIsOnLineAgainAtTheEnd) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a")));
   const Outcome run = scenario.run(endCheckedBlock());

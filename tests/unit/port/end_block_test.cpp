@@ -7,7 +7,7 @@ namespace {
 
 const std::string method = "endCheckedBlock:level:";
 
-TEST(EndBlockInLineMode, SucceedsWithoutASleepIfTheCounterIs2AtOnce) {
+TEST(EndBlockInLineMode, SucceedsWithoutASleepIfTheCounterIsAlready2) {
   const Outcome run = lineModePrinter(lineStatus({}, 2)).run(endCheckedBlock(5));
   EXPECT_EQ(run.result, "true");
   EXPECT_EQ(run.wire(),

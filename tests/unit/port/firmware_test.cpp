@@ -231,7 +231,7 @@ TEST(EscPosFirmware, MayBeEmpty) {
   EXPECT_TRUE(hasFirmware(run, "\"\""));
 }
 
-TEST(EscPosFirmware, ThrowsARangeErrorAndKeepsItsTextIfTheReplyHasOneByte) {
+TEST(EscPosFirmware, ThrowsARangeErrorAndKeepsTheEarlierFirmwareTextIfTheReplyHasOneByte) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosQuery, whole(bytes("5f 41 00")))
       .whenAsked(escPosQuery, whole(bytes("5f")));

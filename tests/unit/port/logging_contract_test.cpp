@@ -166,7 +166,7 @@ TEST(LoggingContract, EveryRecordNamesThePortTheSourceAndTheMethod) {
   }
 }
 
-TEST(LoggingContract, EveryRecordHasATypeOfThePort) {
+TEST(LoggingContract, EveryRecordHasAKnownType) {
   for (const Scenario& scenario : manyScenarios()) {
     const Outcome run = scenario.runOnPort(inTurn({getOnlineStatus(), read(5), startDataCancel()}));
     EXPECT_EQ(run.all().find("unexpected type"), std::string::npos);

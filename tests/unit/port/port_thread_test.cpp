@@ -29,7 +29,7 @@ TEST_F(PortThread, RunsAnOpenThatTheMainThreadRequests) {
   port->close();
 }
 
-TEST_F(PortThread, RunsACloseThatTheMainThreadRequestsAndThenEnds) {
+TEST_F(PortThread, ClosesThePortForTheMainThreadAndEndsAfterwards) {
   const Port port = create();
   EXPECT_TRUE(port->open());
   const std::string all = during([&] {
@@ -96,7 +96,7 @@ TEST_F(PortThread, KeepsThePortAliveUntilACloseOnTheMainThread) {
   EXPECT_TRUE(isHeldBy(weak, 0));
 }
 
-TEST_F(PortThread, LetsThePortExpireWithinThreeTenthsOfASecondAfterTheClose) {
+TEST_F(PortThread, ReleasesThePortWithinThreeTenthsOfASecondAfterTheClose) {
   for (const bool open : {false, true}) {
     Port port = create();
     if (open) {
@@ -110,7 +110,7 @@ TEST_F(PortThread, LetsThePortExpireWithinThreeTenthsOfASecondAfterTheClose) {
   }
 }
 
-TEST_F(PortThread, EndsEvenIfTheApplicationHoldsItsHandle) {
+TEST_F(PortThread, EndsEvenIfTheApplicationKeepsTheThreadsHandle) {
   Port port = create();
   const std::shared_ptr<NSThread> handle = port->thread71();
   const std::weak_ptr<ExternalAccessoryPort> weak = port;

@@ -59,13 +59,13 @@ TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatSentNothing) {
   )"));
 }
 
-TEST(RetryingWriter, StopsEarlyIfTheSentTotalEqualsTheBytesLastOffered) {
+TEST(RetryingWriter, StopsEarlyIfTheSentTotalEqualsTheSizeOfTheLastAttempt) {
   const Outcome run = takingInAttempts({3, 2}).run(writeWithRetry(command));
   EXPECT_EQ(run.result, "5");
   EXPECT_EQ(run.sent(), bytes("01 02 03 04 05")) << "three bytes remain unsent";
 }
 
-TEST(RetryingWriter, SkipsBytesAfterTwoPartialWrites) {
+TEST(RetryingWriter, OmitsBytesOfTheCommandAfterTwoPartialWrites) {
   Scenario scenario = takingInAttempts({1, 2});
   scenario.script.writeReturns(3, -1);
   const Outcome run = scenario.run(writeWithRetry(command));
@@ -78,7 +78,7 @@ TEST(RetryingWriter, SkipsBytesAfterTwoPartialWrites) {
   )")) << "04 is never sent";
 }
 
-TEST(RetryingWriter, RepeatsTheRestWithoutEndIfTheSentTotalExceedsTheCommand) {
+TEST(RetryingWriter, RepeatsTheLastBytesForeverIfTheSentTotalExceedsTheCommand) {
   Scenario scenario = takingInAttempts({3, 5});
   scenario.script.isLostAfterBytes(8 + 10 * 5);
   const Outcome run = scenario.run(writeWithRetry(command));

@@ -91,7 +91,7 @@ TEST(PrinterSelection, ChoosesTheFirstPrinterWithTheGivenSerialNumber) {
       << "the first three characters are always dropped";
 }
 
-TEST(PrinterSelection, IgnoresTheFirstThreeCharactersOfThePortNameInAnyScript) {
+TEST(PrinterSelection, IgnoresTheFirstThreeCharactersOfThePortNameEvenIfNotAscii) {
   struct {
     const char* what;
     const char* prefix;
@@ -294,7 +294,7 @@ TEST(PrinterSelection, RemembersForEverThatABrondelModelWasOpened) {
   }
 }
 
-TEST(PrinterSelection, RemembersTheBrondelModelAfterALaterOpenFails) {
+TEST(PrinterSelection, RemembersThatThePrinterIsABrondelEvenIfALaterOpenFails) {
   AccessoryIdentity brondel = printer(1);
   brondel.modelNumber = "XQ700";
   ScriptedWorld world({}, {brondel});
