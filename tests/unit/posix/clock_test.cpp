@@ -73,7 +73,7 @@ TEST(PosixClock, SignalsDoNotShortenASleep) {
   EXPECT_GT(storm.strikes(), 0);
 }
 
-TEST(Deadline, IsNowForZeroNegativeOrInvalidSeconds) {
+TEST(Deadline, IsTheCurrentTimeIfTheSecondsAreZeroNegativeOrInvalid) {
   for (const double seconds : {0.0, -1.0, -1e300, static_cast<double>(NAN)}) {
     const SteadyTime before = SteadyClock::now();
     const SteadyTime deadline = deadlineIn(seconds);

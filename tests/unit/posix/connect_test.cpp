@@ -144,7 +144,7 @@ TEST(ConnectTcp, TheErrorOfAnUnknownHostNamesTheHost) {
   EXPECT_THAT(failure([&] { connectTcp(host, 9100); }), HasSubstr(host));
 }
 
-TEST(ConnectUnix, ConnectsAndClosesOnExec) {
+TEST(ConnectUnix, ConnectsASocketThatIsClosedOnExec) {
   const TemporaryFolder folder;
   const Listener listener = Listener::at(folder.file("s"), 4);
   const Descriptor socket = connectUnix(folder.file("s"));

@@ -184,7 +184,7 @@ TEST(LocalDescriptor, HasBytesUnderWayUntilTheDeviceReadsThem) {
   EXPECT_FALSE(link.hasUnderWay());
 }
 
-TEST(BluetoothDescriptor, HasBytesUnderWayWhileTheSystemReportsLessSpaceThanAtTheBeginning) {
+TEST(BluetoothDescriptor, HasUndeliveredBytesIfTheSystemReportsLessFreeSpaceThanInitially) {
   int ends[2] = {-1, -1};
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
   const Descriptor device(ends[1], Descriptor::Kind::Socket);
@@ -201,7 +201,7 @@ TEST(BluetoothDescriptor, HasBytesUnderWayWhileTheSystemReportsLessSpaceThanAtTh
   EXPECT_FALSE(link.hasUnderWay()) << "the system does not report the space";
 }
 
-TEST(LocalDescriptor, NeverReportsSilence) {
+TEST(LocalDescriptor, NeverReportsATimeWithoutAcknowledgement) {
   int ends[2] = {-1, -1};
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
   const Descriptor link(ends[0], Descriptor::Kind::Socket);

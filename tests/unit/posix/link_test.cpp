@@ -140,7 +140,7 @@ TEST_F(LinkTest, TheEndOfASessionReadsAllBytesSoThatTheLinkIsNotReset) {
   EXPECT_EQ(::read(device(), &byte, 1), 0);
 }
 
-TEST_F(LinkTest, BytesAreExpectedFromARequestUntilItsAnswer) {
+TEST_F(LinkTest, BytesAreExpectedBetweenARequestAndItsAnswer) {
   for (int i = 0; i < 2; ++i) {
     EXPECT_FALSE(input->expectsBytes());
     ASSERT_EQ(ask(), 1);
@@ -151,7 +151,7 @@ TEST_F(LinkTest, BytesAreExpectedFromARequestUntilItsAnswer) {
   }
 }
 
-TEST_F(LinkTest, AnAnswerIsCountedEvenAfterAWriteThatIsNeverAnswered) {
+TEST_F(LinkTest, AnAnswerIsCountedEvenIfReadAfterAWriteThatNeedsNoAnswer) {
   ASSERT_EQ(ask(), 1);
   deviceWrites(1);
   input->waitUntilReady(1);
@@ -169,7 +169,7 @@ TEST_F(LinkTest, ARequestRemainsUnansweredAfterALaterWriteThatNeedsNoAnswer) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AfterALateReplyMoreBytesAreExpectedUntilAWaitFindsNone) {
+TEST_F(LinkTest, AnotherReplyIsExpectedAfterALateOneUntilAWaitFindsNoBytes) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   ASSERT_EQ(ask(), 1);
@@ -259,7 +259,7 @@ TEST_F(LinkTest, TransfersOnClosedStreamsFail) {
   EXPECT_LT(watch.seconds(), 20);
 }
 
-TEST_F(LinkTest, TransfersAfterTheEndOfTheSessionFail) {
+TEST_F(LinkTest, NoTransferSucceedsAfterTheEndOfTheSession) {
   session.reset();
   EXPECT_EQ(input->read(&byte, 1), -1);
   EXPECT_EQ(ask(), -1);
@@ -276,7 +276,7 @@ TEST_F(LinkTest, AnEndedSessionIsNotALostLink) {
   EXPECT_EQ(accessory.portState(), "");
 }
 
-TEST_F(LinkTest, AThreadThatWaitsForBytesNoticesALossItself) {
+TEST_F(LinkTest, AThreadThatWaitsForBytesNoticesThatTheLinkIsLost) {
   ASSERT_EQ(ask(), 1);
   SleepingThread waiting([this] { input->waitUntilReady(30); });
   waiting.awaitSleep();
@@ -287,7 +287,7 @@ TEST_F(LinkTest, AThreadThatWaitsForBytesNoticesALossItself) {
   EXPECT_FALSE(accessory.isConnected());
 }
 
-TEST_F(LinkTest, ASocketReportsNoStateOfAPort) {
+TEST_F(LinkTest, ASocketReportsNoStateOfAUsbPort) {
   EXPECT_EQ(accessory.portState(), "");
 }
 

@@ -107,7 +107,7 @@ TEST(DeviceNoticesWithoutASocket, LetAWaitLastItsWholeTime) {
   EXPECT_GE(watch.seconds(), 0.02);
 }
 
-TEST(DeviceNoticesWithoutASocket, AreMadeIfTheProcessMayOpenNoMoreFiles) {
+TEST(DeviceNoticesWithoutASocket, CanBeConstructedIfTheProcessMayOpenNoMoreFiles) {
   std::optional<NoMoreFiles> limit(std::in_place);
   AccessoryNotices notices;
   limit.reset();

@@ -69,7 +69,7 @@ TEST(PosixPlatform, RecognisesTheMainThread) {
   std::thread([&] { EXPECT_FALSE(platform.isMainThread()); }).join();
 }
 
-TEST(PosixPlatform, SetsTheBrokenPipeSignalToIgnoredAtEachCall) {
+TEST(PosixPlatform, IgnoresTheBrokenPipeSignalAfterEachCallOfIgnoreSigPipe) {
   PosixPlatform platform;
   for (int i = 0; i < 2; ++i) {
     std::signal(SIGPIPE, SIG_DFL);

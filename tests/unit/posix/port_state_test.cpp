@@ -23,7 +23,7 @@ std::string stateOf(Descriptor::Kind kind, int status) {
   return printer.portState();
 }
 
-TEST(PortState, IsTheReasonWhyThePrinterDoesNotPrint) {
+TEST(PortState, ReportsWhyTheUsbPrinterDoesNotPrint) {
   const std::pair<int, const char*> states[] = {
       {ready, ""},
       {ready | LP_POUTPA, "paper out"},

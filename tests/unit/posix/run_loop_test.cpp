@@ -74,7 +74,7 @@ TEST(RunLoop, ASliceOfZeroOrNegativeTimeReturnsAtOnce) {
   onThread(slices);
 }
 
-TEST(RunLoop, WaitsForTheStreamDuringItsRemainingTime) {
+TEST(RunLoop, WaitsForTheStreamDuringTheRemainingTimeOfTheLoop) {
   const auto slice = [] {
     RecordingStream stream;
     const Stopwatch watch;
@@ -115,7 +115,7 @@ TEST(RunLoop, RunsRoutinesOfOtherThreadsBeforeItWaitsForTheStream) {
   }
 }
 
-TEST(RunLoop, ARoutineOfAnotherThreadWakesALongSlice) {
+TEST(RunLoop, ARoutineFromAnotherThreadInterruptsALongWait) {
   std::atomic<bool> stop = false;
   PosixThread thread([&] {
     while (!stop) {

@@ -206,7 +206,7 @@ class Console {
   const Descriptor watcher_;
 };
 
-TEST(SerialLine, SetsAHardwareTerminalExclusiveUntilItsClose) {
+TEST(SerialLine, KeepsAHardwareTerminalInExclusiveModeUntilTheTerminalIsClosed) {
   const Console console("/dev/tty63");
   if (!console.isFree()) {
     GTEST_SKIP() << "this user cannot open " << console.path();
@@ -309,7 +309,7 @@ TEST(SerialLine, FindsAProgramOfAnotherUserByTheLockOnTheLine) {
   EXPECT_EQ(status, 0);
 }
 
-TEST(SerialLine, RootCanOpenALineThatAKilledProgramLeftExclusive) {
+TEST(SerialLine, RootCanOpenALineThatAKilledProgramLeftInExclusiveMode) {
   const Line line;
   const int left = ::open(line.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   ASSERT_EQ(::ioctl(left, TIOCEXCL), 0);

@@ -76,7 +76,7 @@ TEST(PosixThread, AcceptsARoutineAsSoonAsTheThreadIsStarted) {
   }
 }
 
-TEST(PosixThread, RefusesARoutineAfterTheThreadsFunctionHasEnded) {
+TEST(PosixThread, RefusesToRunARoutineAfterTheThreadHasEnded) {
   PosixThread thread([] {});
   ASSERT_TRUE(thread.start());
   EXPECT_TRUE(eventually([&] { return !thread.performAndWait([] {}); }));

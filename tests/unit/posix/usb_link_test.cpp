@@ -96,7 +96,7 @@ TEST(UsbLink, SendsNothingToAPrinterThatIsUnplugged) {
   EXPECT_EQ(driver.receive(&heard, 1), 0);
 }
 
-TEST(UsbLink, IsWriteOnlyIfTheDriverRefusesReads) {
+TEST(UsbLink, IsTreatedAsMuteIfTheDriverRefusesReads) {
   const Descriptor refusing(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), Descriptor::Kind::Terminal);
   EXPECT_EQ(usbKindOf(refusing.number()), Descriptor::Kind::MuteUsbPrinter);
   const auto terminal = test::openPseudoTerminal();
@@ -106,7 +106,7 @@ TEST(UsbLink, IsWriteOnlyIfTheDriverRefusesReads) {
   EXPECT_EQ(usbKindOf(folder.number()), Descriptor::Kind::UsbPrinter) << "another error";
 }
 
-TEST(UsbLink, ReportsAPortStateOnlyForUsbPrinters) {
+TEST(UsbLink, ReportsNoPortStateIfTheDescriptorIsASocket) {
   const DriverLink driver(Descriptor::Kind::Socket);
   EXPECT_EQ(driver.link->portState(), "");
 }

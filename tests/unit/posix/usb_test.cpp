@@ -103,7 +103,7 @@ TEST_F(UsbTest, IgnoresAFieldWithoutAValueInTheDeviceId) {
   EXPECT_EQ(printer.model, "T");
 }
 
-TEST(UsbPrinter, IsIdentifiedByItsTextsAndWithoutSerialNumberAlsoByItsDeviceFile) {
+TEST(UsbPrinter, IsIdentifiedByUsbFieldsAndByDeviceFileIfItLacksASerialNumber) {
   const UsbPrinter one{"/dev/usb/lp0", "04b8", "0202", "S1", "Maker", "Model"};
   const UsbPrinter elsewhere{"/dev/usb/lp1", "04b8", "0202", "S1", "Maker", "Model"};
   EXPECT_TRUE(one.isSameDevice(elsewhere));
@@ -132,7 +132,7 @@ TEST(UsbPrinter, IsNamedByItsMakerAndItsModelAsFarAsTheyAreKnown) {
   EXPECT_EQ(printer.makerAndModel(), "Model");
 }
 
-TEST(UsbErrors, TheErrorOfAPrinterInUseMeansBusyUnlikeOtherErrors) {
+TEST(UsbErrors, OnlyAPrinterInUseIsReportedAsABusyDevice) {
   const auto errorOf = [](UsbError error) {
     return std::error_code(static_cast<int>(error), usbCategory());
   };
@@ -147,7 +147,7 @@ TEST_F(UsbTest, OtherDevicesOfTheDriverAreNotListed) {
   EXPECT_EQ(usbPrinters(roots()).size(), 1U);
 }
 
-TEST_F(UsbTest, APrinterWithoutTextsIsNamedByItsSchemeAndPlace) {
+TEST_F(UsbTest, APrinterWithoutADeviceIdIsNamedBySchemeAndAddress) {
   plugIn(0, "", "");
   UsbAccessory accessory({}, "04b8:0202", roots());
   EXPECT_EQ(accessory.name(), "usb:04b8:0202");
@@ -155,7 +155,7 @@ TEST_F(UsbTest, APrinterWithoutTextsIsNamedByItsSchemeAndPlace) {
   EXPECT_EQ(accessory.modelNumber(), std::nullopt);
 }
 
-TEST_F(UsbTest, AnAccessoryWithoutItsPrinterHasOnlyTheTextsThatWereGiven) {
+TEST_F(UsbTest, AnAccessoryWhosePrinterIsUnpluggedHasOnlyTheGivenIdentity) {
   AccessoryIdentity given;
   given.name = "";
   UsbAccessory accessory(given, "S1", roots());
@@ -164,7 +164,7 @@ TEST_F(UsbTest, AnAccessoryWithoutItsPrinterHasOnlyTheTextsThatWereGiven) {
   EXPECT_EQ(accessory.modelNumber(), std::nullopt);
 }
 
-TEST_F(UsbTest, PrintersWithoutTextsAreListedByTheirDeviceFilesAlone) {
+TEST_F(UsbTest, PrintersWithoutADeviceIdAreListedByTheirDeviceFilesAlone) {
   plugIn(0, "", "");
   plugIn(1, "", "");
   std::string text;
@@ -205,7 +205,7 @@ TEST_F(UsbTest, FindsAPrinterByASymbolicLinkToItsDeviceFile) {
   EXPECT_EQ(nodeOf((roots().dev / "receipts").string()), "lp1");
 }
 
-TEST_F(UsbTest, NamesAPrinterByADeviceTextThatFindsThePrinter) {
+TEST_F(UsbTest, TheDeviceTextOfAListedPrinterFindsThisPrinter) {
   plugIn(0, till, "a, b\\c");
   plugIn(1, till, "/slash");
   const auto printers = usbPrinters(roots());
@@ -303,7 +303,7 @@ TEST_F(UsbTest, AnAccessoryHasTheTextsOfThePrinterByDefault) {
   EXPECT_EQ(named.serialNumber(), "S");
 }
 
-TEST_F(UsbTest, AnAccessoryAnnouncesNoProtocolWhileThePrinterIsUnplugged) {
+TEST_F(UsbTest, AnAccessoryAnnouncesNoProtocolWhileItsPrinterIsUnplugged) {
   UsbAccessory accessory({}, "S1", roots());
   EXPECT_TRUE(accessory.protocolStrings().empty());
   EXPECT_EQ(accessory.lastErrorCode(), code(UsbError::NotPluggedIn));
@@ -316,7 +316,7 @@ TEST_F(UsbTest, AnAccessoryAnnouncesNoProtocolWhileThePrinterIsUnplugged) {
   EXPECT_TRUE(accessory.protocolStrings().empty());
 }
 
-TEST_F(UsbTest, FindsAReplacedPrinterByItsTextsAndNotByItsDeviceFile) {
+TEST_F(UsbTest, FindsAPrinterAgainBySerialNumberAndNotByDeviceFile) {
   plugIn(0, till, "mine");
   UsbAccessory accessory({}, (roots().dev / "usb/lp0").string(), roots());
   EXPECT_EQ(accessory.serialNumber(), "mine");

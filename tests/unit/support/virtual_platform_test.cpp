@@ -7,7 +7,7 @@
 namespace quordalvane::test {
 namespace {
 
-TEST(VirtualPlatform, SetsTheBrokenPipeSignalToIgnoredAtEachCall) {
+TEST(VirtualPlatform, IgnoresTheBrokenPipeSignalAfterEachCallOfIgnoreSigPipe) {
   VirtualPlatform platform;
   for (int i = 0; i < 2; ++i) {
     std::signal(SIGPIPE, SIG_DFL);
