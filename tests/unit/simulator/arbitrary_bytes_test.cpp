@@ -21,7 +21,7 @@ Bytes randomBytes(std::mt19937_64& chance, std::size_t most) {
   return bytes;
 }
 
-TEST(RandomBytes, PrintNoMoreItemsThanTheyHaveBytes) {
+TEST(RandomBytes, AddAtMostOneItemPerByteToThePaper) {
   std::mt19937_64 chance(1);
   for (int run = 0; run < 5'000; ++run) {
     Session session;
@@ -138,7 +138,7 @@ TEST(EndlessJob, InPageModeIsDividedIntoPagesOfBoundedSize) {
   EXPECT_LT(lines, tooMany) << "no page was printed";
 }
 
-TEST(EndlessJob, GivesAShortTextIfItOnlyFeedsPaper) {
+TEST(EndlessJob, HasAShortReceiptTextIfItOnlyFeedsPaper) {
   Session session;
   Bytes job = hex("1d2100");
   for (int i = 0; i < 10'000; ++i)

@@ -71,7 +71,7 @@ TEST(DataCancel, EndsAnUnfinishedCommand) {
   EXPECT_EQ(std::get<TextRun>(std::get<Line>(items[0]).items[0].content).text, U"hello");
 }
 
-TEST(DataTimeout, DropsAllDataUntilTheDataCancelEndCommand) {
+TEST(DataTimeout, DropsAllDataUntilTheCommandThatEndsDataCancel) {
   Session session(slow().coverOpen());
   session.send(hex(fiveSeconds) + hex(dataCancel) + ascii("held") + hex("17"));
   EXPECT_EQ(session.link->nextEvent(session.now), session.now + 5s);
@@ -111,7 +111,7 @@ TEST(DataTimeout, DropsNoDataThatIsAlreadyOnPaper) {
   EXPECT_EQ(session.printer.printed().size(), 50U);
 }
 
-TEST(DataTimeout, IsNotEndedByAnotherDataCancel) {
+TEST(DataTimeout, StillDropsDataAfterASecondDataCancelCommand) {
   Session session;
   session.send(hex(fiveSeconds) + hex(dataCancel));
   session.wait(5s);

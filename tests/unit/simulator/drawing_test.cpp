@@ -272,7 +272,7 @@ TEST(CustomerDisplay, ShowsItsTextWithoutPrinting) {
   EXPECT_EQ(events[0].text, "Total 4.20");
 }
 
-TEST(CustomerDisplay, ShowsTextThatIsAlsoPrintedIfBothAreSelected) {
+TEST(CustomerDisplay, SharesTextWithThePrinterIfBothAreSelected) {
   const Print print(hex("1b3d03") + ascii("both\n") + hex("1b3d00") + ascii("paper\n"));
   EXPECT_EQ(print.text(), "both\npaper\n");
   EXPECT_EQ(print.paper().record().events().at(0).text, "both");

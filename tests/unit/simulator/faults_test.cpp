@@ -32,7 +32,7 @@ TEST(InjectedFaults, CanBeGivenToTheBuilderByACallOrAsASetting) {
   EXPECT_THROW(PrinterBuilder().fault("no-such-fault", "1"), std::invalid_argument);
 }
 
-TEST(InjectedFaults, AShortWriteTakesNoMoreThanItsCount) {
+TEST(InjectedFaults, AShortWriteAcceptsAtMostTheGivenNumberOfBytes) {
   Session session(with("short-writes", "3"));
   EXPECT_EQ(session.link->space(session.now), 3U);
   EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 3U);
@@ -40,7 +40,7 @@ TEST(InjectedFaults, AShortWriteTakesNoMoreThanItsCount) {
   EXPECT_EQ(session.printer.printed(), ascii("abcdef"));
 }
 
-TEST(InjectedFaults, NoSpaceFaultLeavesNoSpaceForTheGivenTime) {
+TEST(InjectedFaults, TheNoSpaceFaultStopsWritesForTheGivenTime) {
   Session session(with("no-space", "4:1500"));
   EXPECT_EQ(session.link->write(ascii("abcdef"), session.now), 4U);
   EXPECT_EQ(session.link->space(session.now), 0U);
@@ -159,7 +159,7 @@ TEST(InjectedFaults, SeveralFaultsCanAffectOneReply) {
   EXPECT_EQ(session.receive(), hex("ff12 ff12"));
 }
 
-TEST(InjectedFaults, ALinkIsCutAfterTheGivenReceivedBytesAndItsAnswersCanBeRead) {
+TEST(InjectedFaults, ALinkCutAfterTheGivenNumberOfReceivedBytesStillGivesEarlierAnswers) {
   Session session(with("cut-after-in", "5"));
   EXPECT_EQ(session.link->write(hex("100401") + ascii("abc"), session.now), 5U);
   EXPECT_TRUE(session.link->dropped(session.now));
@@ -219,13 +219,13 @@ TEST(InjectedFaults, TheSmallestOfSeveralWriteLimitsApplies) {
   }
 }
 
-TEST(InjectedFaults, ALinkCutBeforeTheFirstByteEndsAtOnce) {
+TEST(InjectedFaults, ALinkThatIsCutAfterZeroBytesIsLostAtOnce) {
   Session session(with("cut-after-in", "0"));
   EXPECT_FALSE(session.link->connected(session.now));
   EXPECT_EQ(session.link->space(session.now), 0U);
 }
 
-TEST(InjectedFaults, APrinterThatPrintsNothingAnswersButDoesNotCountEndMarks) {
+TEST(InjectedFaults, APrinterThatLosesAllDataStillAnswersButCountsNoEndMarks) {
   Session session(with("prints-nothing", "true"));
   EXPECT_TRUE(session.send(ascii("a job") + hex("17 1b1d03010000")));
   EXPECT_EQ(session.ask(statusRequest), statusBlock);
@@ -259,7 +259,7 @@ TEST(InjectedFaults, ACommandIsLostIfTheFaultIsActiveAtItsFirstByte) {
   }
 }
 
-TEST(InjectedFaults, ALostUnfinishedImageDoesNotAffectTheNextConnection) {
+TEST(InjectedFaults, AnUnfinishedImageThatIsNotPrintedDoesNotAffectTheNextConnection) {
   Session session(with("prints-nothing", "true"));
   session.send(hex("1d7630 00 0a00 0a00") + Bytes(50, 0x17));
   session.faults = {};
@@ -321,7 +321,7 @@ TEST(InjectedFaults, CanBeAddedAndClearedDuringALink) {
   EXPECT_EQ(session.link->nextEvent(session.now), std::nullopt);
 }
 
-TEST(InjectedFaults, TheErrorOfAWrongValueNamesTheFaultAndItsValues) {
+TEST(InjectedFaults, TheErrorOfAWrongValueNamesTheFaultAndTheAllowedValues) {
   const struct {
     const char* name;
     const char* value;
@@ -374,7 +374,7 @@ TEST(InjectedFaults, HaveTheDocumentedNames) {
   EXPECT_FALSE(isFault("seed"));
 }
 
-TEST(Faults, ALinkCutDoesNotChangeHowAnEarlierLinkCutEndedTheLink) {
+TEST(Faults, ASecondCutFaultDoesNotChangeHowTheFirstEndedTheLink) {
   Session session;
   session.link->addFault(parseFault("cut", "reset"), session.now);
   session.link->addFault(parseFault("cut", "drain"), session.now);

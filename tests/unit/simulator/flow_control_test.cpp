@@ -9,7 +9,7 @@ PrinterBuilder slow() {
   return PrinterBuilder().set("flow", "xonxoff").buffer(256).speed(100);
 }
 
-TEST(FlowControl, PausesAHostBeforeTheBufferIsFullUntilHalfIsFree) {
+TEST(FlowControl, PausesAHostWhenThreeQuartersAreFullAndResumesWhenHalfIsFree) {
   Session session(slow());
   session.send(Bytes(191, 'a'));
   EXPECT_EQ(session.receive(), Bytes{}) << "more than a quarter is free";

@@ -88,7 +88,7 @@ TEST(JobRecord, CountsOffsetsFromTheJobsBeginningAfterAnUnfinishedJob) {
   EXPECT_EQ(records[1].unknown()[0].offset, 2U);
 }
 
-TEST(JobRecord, CountsOffsetsFromTheJobsBeginningAfterALostJob) {
+TEST(JobRecord, CountsOffsetsFromItsJobsBeginningEvenIfAnEarlierJobVanished) {
   std::vector<JobRecord> records;
   VirtualPrinter printer(PrinterBuilder().state());
   printer.keepJobs([&](const Paper& paper) { records.push_back(paper.record()); });

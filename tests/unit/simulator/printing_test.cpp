@@ -179,7 +179,7 @@ TEST(VirtualPrinter, PrintsTheSameIfItsStateIsReadThousandsOfTimes) {
   EXPECT_EQ(rarely.link->nextEvent(rarely.now), often.link->nextEvent(often.now));
 }
 
-TEST(VirtualPrinter, HasNoSpaceAfterAFullBufferUntilAQuarterIsFree) {
+TEST(VirtualPrinter, AcceptsNoDataAfterItsBufferWasFullUntilAQuarterIsFree) {
   Session session(slow());
   EXPECT_EQ(session.link->write(Bytes(150, 'x'), session.now), 100U);
   EXPECT_EQ(session.link->space(session.now), 0U);
@@ -265,7 +265,7 @@ TEST(VirtualPrinter, PrintsHeldDataWhenItIsOnLineAgain) {
   EXPECT_EQ(session.printer.printed(), ascii("0123456789"));
 }
 
-TEST(VirtualPrinter, PrintsHeldDataAtOnceWhenOnLineAgainIfItsSpeedIsUnlimited) {
+TEST(VirtualPrinter, WithoutASpeedLimitPrintsBufferedDataAsSoonAsOnLine) {
   Session session(PrinterBuilder().paperOut());
   session.send(ascii("0123456789") + hex("17"));
   EXPECT_EQ(session.printer.buffered(), 11U);
@@ -345,7 +345,7 @@ TEST(VirtualPrinter, TreatsEachConnectionThatPrintsAsAJob) {
   EXPECT_EQ(jobs, (std::vector<std::string>{"one\n", "two\n", "1b0601\n"}));
 }
 
-TEST(VirtualPrinter, EndsAJobThatIsDropped) {
+TEST(VirtualPrinter, EndsAJobWhenDataCancelDropsTheRemainingData) {
   Session session(slow());
   std::vector<std::string> jobs;
   session.printer.keepJobs([&jobs](const Paper& paper) { jobs.push_back(renderText(paper)); });

@@ -238,7 +238,7 @@ TEST(FaultsOfOneReplyKind, AReplyForAnotherHostsJobPrecedesTheRightReply) {
   EXPECT_EQ(status.ask("1d7201"), hex("00 00"));
 }
 
-TEST(FaultsOfOneReplyKind, ABlockReportForAnotherHostsJobNeverHasTheRightCount) {
+TEST(FaultsOfOneReplyKind, ABlockReportForAnotherHostNeverHasTheCountOfThisHost) {
   std::set<std::uint8_t> counts;
   for (unsigned seed = 0; seed < 2000; ++seed) {
     Faults faults = with("foreign-reply", "block");
@@ -253,7 +253,7 @@ TEST(FaultsOfOneReplyKind, ABlockReportForAnotherHostsJobNeverHasTheRightCount) 
   EXPECT_EQ(counts.count(1), 0U);
 }
 
-TEST(FaultsOfOneReplyKind, RefuseAKindOfReplyThatTheFaultCannotAffect) {
+TEST(FaultsOfOneReplyKind, AreInvalidForAKindOfReplyThatTheyCannotAffect) {
   EXPECT_THROW(parseFault("foreign-reply", "unasked"), std::invalid_argument);
   EXPECT_THROW(parseFault("wrong-id", "in-order"), std::invalid_argument);
   EXPECT_THROW(parseFault("drop-reply", "status"), std::invalid_argument);

@@ -69,7 +69,7 @@ TEST(PrinterSettings, SetEachFlagByItsName) {
   }
 }
 
-TEST(PrinterSettings, TheErrorOfAWrongValueNamesTheKeyAndItsValues) {
+TEST(PrinterSettings, TheErrorOfAWrongValueNamesTheKeyAndTheAllowedValues) {
   const struct {
     const char* key;
     const char* value;
