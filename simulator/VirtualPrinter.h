@@ -91,8 +91,8 @@ class VirtualPrinter {
   /// Returns a number that distinguishes this connection from all others.
   std::uint64_t connect(Sink sink);
 
-  /// Ends the connection, unless another one has begun. A command that the host left unfinished
-  /// remains unfinished. Replies are dropped until the next connection.
+  /// Ends the connection, unless a later connection has begun. A command that the host left
+  /// unfinished remains unfinished. Replies are dropped until the next connection.
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
