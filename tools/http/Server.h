@@ -22,7 +22,7 @@ struct Request {
   std::string path;    ///< the part of the path after the token and a slash
   std::map<std::string, std::string> query;
   std::string body;
-  std::optional<std::uint64_t> lastEvent;  ///< the last event that was read, if any
+  std::optional<std::uint64_t> lastEvent;  ///< the number of the last event read, if any
 };
 
 /// The answer to a request: a text, or a stream of events.
