@@ -19,8 +19,8 @@
 
 namespace quordalvane::tool {
 
-/// A virtual printer and the address at which hosts connect to it. It prints for one host at a
-/// time. Other hosts wait, are refused, or print between two jobs of the connected host.
+/// A virtual printer and the address at which hosts connect to it. The printer prints for one host
+/// at a time. Other hosts wait, are refused, or print between two jobs of the connected host.
 class Station {
  public:
   struct Habits {
