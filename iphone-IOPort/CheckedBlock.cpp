@@ -29,7 +29,7 @@ constexpr std::uint8_t etbResetEscPos[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00};
 
 constexpr std::uint8_t reportStart = 0x1b;
 constexpr std::size_t restDataSize = 7;
-constexpr std::size_t reportedCount = 5;  // the index of the count in `afterBytes`
+constexpr std::size_t reportedCount = 5;  // `afterBytes[5]` is the printer's count of marks
 
 }  // namespace
 
@@ -113,8 +113,9 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
       return true;
     }
     // Each pass of the loop chooses its limit anew: `holdPrintTimeoutMillis` while paper is in the
-    // exit, and otherwise the time-out with which the port was created. So if the port's time-out
-    // has passed and the counter does not read 0, the wait ends when somebody takes the paper.
+    // exit, and otherwise the port's input/output time-out. If somebody takes the paper after the
+    // input/output time-out, the wait ends: with success if the printer's counter reads 0, and
+    // otherwise with a failure.
     std::int32_t waitTimeoutSec = wait.timeoutSec();
     std::int64_t errorCode = ZKQuorIOResultCodeFailedError;
     if (status->paperPresent == 1) {
@@ -133,8 +134,8 @@ bool ExternalAccessoryPort::awaitClearPath(QuorPrinterStatus_2* status, std::int
   return false;
 }
 
-/// In ESC/POS, asks for a new status for the caller's record. The block continues even if the
-/// printer does not give a status.
+/// In ESC/POS, asks the printer for a status and stores it in the caller's record. The block
+/// continues even if the printer does not give a status.
 bool ExternalAccessoryPort::refreshStatus(QuorPrinterStatus_2* status, std::uint32_t level) {
   constexpr auto selector = beginSelector;
   if (!isConnected()) {
@@ -269,7 +270,7 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x93): %d", *topByte & escPosFixedMask);
     QUOR_LOG(ZKLogTypeProcess, 0, "(topByte & 0x08): %d", *topByte & escPosOfflineBit);
     if ((*topByte & escPosFixedMask) != escPosFixedBits) {
-      continue;  // not a status byte: asks again at once; no time-out and no pause, by design
+      continue;  // not a status byte: asks again, without a time-out or a pause, by design
     }
     if (etbCountUp || (*topByte & escPosOfflineBit) != 0) {
       return true;
@@ -314,8 +315,8 @@ void ExternalAccessoryPort::logEmptyRead(const std::optional<ByteBuffer>& data) 
   }
 }
 
-/// Reads the bytes of a report that follow its first byte. Returns false if these bytes cannot be
-/// read. An incomplete report is ignored.
+/// Reads the bytes after the first byte of a report. Returns false if these bytes cannot be read.
+/// Bytes that are missing count as 0, so a report without its count is ignored.
 bool ExternalAccessoryPort::readReport(bool& etbCountUp) {
   constexpr auto selector = endSelector;
   const auto rest = read(restDataSize);

@@ -235,8 +235,8 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
   const std::size_t timeoutByte = dipSwSettingByte >> 6;
   const std::uint32_t setting = settings[timeoutByte];
   QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", setting);
-  // If button security is on, the result is the printer's setting plus the port's time-out, modulo
-  // 2^32.
+  // A setting of 0 means that the printer's function "button security" is off. For any other
+  // setting, the result is the setting plus the port's input/output time-out, modulo 2^32.
   return setting == 0 ? 0 : std::int64_t{static_cast<std::uint32_t>(setting + timeout_)};
 }
 

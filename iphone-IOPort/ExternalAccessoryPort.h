@@ -50,7 +50,7 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
 /// limit of n seconds ends when the seconds of the wall clock have advanced by more than n, that is
 /// after n to n + 1 seconds. A limit below 1000 ms counts as 0 seconds: the wait ends when the
-/// clock reaches its next second. The "creation time-out" is the time-out that was passed to
+/// clock reaches its next second. The "input/output time-out" is the one that was passed to
 /// `initWithPortName`.
 ///
 /// **Errors.** On failure, counts are -1, buffers and strings are null, and booleans are false. The
@@ -105,12 +105,13 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// ended that thread.
   bool open();
 
-  /// Ends the session: closes the streams and releases the session and the accessory. A call on the
-  /// main thread also ends the port thread, within about 0.1 s. Never fails and never throws; may
-  /// be called on a port that is not open. If the platform reports the system version 10.0 or more,
-  /// first pauses 0.1 s. Over real links on Linux the system version is that of the kernel, which
-  /// is below 10.0 today. Then waits until the printer has taken the bytes that were written: at
-  /// most two seconds over a socket, and not at all if the printer has taken them already.
+  /// Ends the session: closes the streams and releases the session and the accessory. Waits until
+  /// the printer has taken the bytes that were written: at most two seconds over a socket, and not
+  /// at all if the printer has taken them already. Before this wait, `close` pauses 0.1 s if the
+  /// platform reports the system version 10.0 or more. Over real links on Linux the system version
+  /// is that of the kernel, which is below 10.0 today. A call on the main thread also ends the port
+  /// thread, within about 0.1 s. Never fails and never throws; may be called on a port that is not
+  /// open.
   void close();
 
   /// Returns true while the selected accessory is attached, even if `open` could not open a session
@@ -130,8 +131,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// operations send their queries at once and do not first wait for an answer to this write.
   enum class Reply { Possible, None };
 
-  /// Works as the `write` of a ByteBuffer, but takes bytes from any memory, for example a part of a
-  /// large job. `reply` says whether the printer may answer them.
+  /// Works as `write(const ByteBuffer&)`, but takes bytes from any memory, for example a part of a
+  /// large job. `reply` says whether the printer may answer these bytes.
   std::int32_t write(std::span<const std::uint8_t> data, Reply reply = Reply::Possible);
 
   /// Takes the bytes that have arrived, at most `bytesToRead`; waits at most 0.1 s for the first
@@ -145,20 +146,20 @@ class QUOR_EXPORT ExternalAccessoryPort
   std::optional<ByteBuffer> readLeftovers(std::size_t bytesToRead);
 
   /// Sends a whole command. Tries again every 50 ms until the whole command is sent, the link is
-  /// lost or the creation time-out has passed. Returns the number of bytes written, which is 0 for
-  /// an empty command. Returns -1 if the link is lost, a write fails or the time-out passes; a part
-  /// of the command may have been sent before.
+  /// lost or the input/output time-out has passed. Returns the number of bytes written, which is 0
+  /// for an empty command. Returns -1 if the link is lost, a write fails or the time-out passes; a
+  /// part of the command may have been sent before.
   ///
-  /// If the link takes only a part of the command, the count is unreliable: it is the sum of all
-  /// attempts, but is compared with the length of the unsent rest alone. This arithmetic is kept so
-  /// that the printers in use receive the same bytes as until now. After a partial attempt there
-  /// are three cases. (a) If the count equals the length of the rest, success is returned although
-  /// bytes are unsent. (b) If the count is below that length, this number of bytes is removed from
-  /// the front of the rest, so unsent bytes are skipped. (c) If the count is above that length, for
-  /// example after the second attempt sent all of the rest, the rest is sent again and again,
-  /// without pause or time-out, as long as the link takes it. Therefore use this operation only for
-  /// short commands, which a link takes at once. Send print data by `write` in a loop, or by a
-  /// PrintJob.
+  /// If the link takes only a part of the command, the count is unreliable. Each further attempt
+  /// offers only the rest of the command, and the count, which is the sum of all attempts, is then
+  /// compared with the length of this rest. This arithmetic is kept so that the printers in use
+  /// receive the same bytes as until now. After such an attempt there are three cases. (a) The
+  /// count equals the length of the rest: the operation returns success, although bytes are unsent.
+  /// (b) The count is smaller: the next attempt leaves out that many bytes of the rest, so unsent
+  /// bytes are skipped. (c) The count is larger, for example because the second attempt sent the
+  /// whole rest: the rest is sent again and again, without a pause or a time-out, as long as the
+  /// link takes it. Therefore use this operation only for short commands, which a link takes in one
+  /// attempt. Send print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
@@ -167,7 +168,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// drops the received bytes that nobody has read. Returns true if the record was filled from a
   /// complete reply. Returns false if the printer did not answer or the emulation is unknown; in
   /// ESC/POS also if the answer was not a status or a query could not be written. In line mode the
-  /// request is sent up to two times, each with a wait of about 1.5 s; in ESC/POS the creation
+  /// request is sent up to two times, each with a wait of about 1.5 s; in ESC/POS the input/output
   /// time-out limits the wait. If the result is false, the record is unchanged in line mode, and
   /// may be partly written in ESC/POS. `level` is only logged.
   ///
@@ -189,7 +190,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// printer's counter, sets its data time-out if one is configured, and makes the printer drop the
   /// data that it still holds. Line mode has two more steps: before the reset, the printer must be
   /// on line; after the reset, `beginCheckedBlock` waits until the counter reads 0 and no paper is
-  /// left in the exit. The creation time-out limits the wait for the counter;
+  /// left in the exit. The input/output time-out limits the wait for the counter;
   /// `holdPrintTimeoutMillis` limits the wait for the paper.
   ///
   /// `status` and `resultCode` must not be null; `status` receives each status that the printer
@@ -204,13 +205,12 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Ends the block: marks the end of the job, and waits until the printer shows that it has
   /// processed all of the job. `endCheckedBlockTimeoutMillis` limits the wait. Returns true if the
-  /// printer has processed the job. Also returns true if the printer goes off line during the wait;
-  /// `quorPrinterStatus` then shows off line, and the caller decides what this means for the job.
-  /// `quorPrinterStatus` must not be null. In ESC/POS an off-line printer may be on line again
-  /// before the final status is read, so a true result alone does not prove that the job was
-  /// printed. Returns false if a write failed or the time-out passed. Throws the exceptions of
-  /// `getParsedStatus`. In ESC/POS, `endCheckedBlock` drops the received bytes that nobody has
-  /// read.
+  /// printer has processed the job. Also returns true if the printer goes off line during the wait.
+  /// `quorPrinterStatus->offline` is then 1, and the caller decides what this means for the job.
+  /// `quorPrinterStatus` must not be null. In ESC/POS the printer may be on line again before the
+  /// final status is read, so a true result alone does not prove that the job was printed. Returns
+  /// false if a write failed or the time-out passed. Throws the exceptions of `getParsedStatus`. In
+  /// ESC/POS, `endCheckedBlock` drops the received bytes that nobody has read.
   bool endCheckedBlock(QuorPrinterStatus_2* quorPrinterStatus, std::uint32_t level);
 
   /// Makes the printer drop the data that it has received and not yet printed. Returns true if the
@@ -221,7 +221,7 @@ class QUOR_EXPORT ExternalAccessoryPort
 
   /// Asks for the firmware text and stores it in `firmwareInformation`; after a failure the earlier
   /// text remains there. Returns false if the printer gave no status, is off line, or did not
-  /// answer within the creation time-out. A lost link does not shorten the wait. Throws
+  /// answer within the input/output time-out. A lost link does not shorten the wait. Throws
   /// std::out_of_range if an ESC/POS reply has only one byte.
   bool retrieveFirmwareInformation();
 
@@ -237,16 +237,16 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool retrieveDipSwitchInformation();
 
   /// Asks for DIP-switch bank `dipSwNumber` (1 or 2) and returns its two setting bytes. Returns
-  /// null if the request could not be written, if no complete reply arrived within the creation
+  /// null if the request could not be written, if no complete reply arrived within the input/output
   /// time-out, or if the reply does not hold exactly two setting bytes. A lost link does not
   /// shorten the wait.
   std::optional<ByteBuffer> retrieveDipSwitchInformation(std::uint8_t dipSwNumber);
 
   /// Asks for the button-security time-out and returns it in milliseconds. Returns 0 if button
-  /// security is off. Otherwise adds the creation time-out to the printer's setting of 5, 10 or 20
-  /// seconds, and returns the sum modulo 2^32. Returns -1 if the request could not be written or if
-  /// fewer than 7 bytes arrived within the creation time-out. A lost link does not shorten the
-  /// wait.
+  /// security is off. Otherwise adds the input/output time-out to the printer's setting of 5, 10 or
+  /// 20 seconds, and returns the sum modulo 2^32. Returns -1 if the request could not be written or
+  /// if fewer than 7 bytes arrived within the input/output time-out. A lost link does not shorten
+  /// the wait.
   std::int64_t retrieveButtonSecurityTimeout();
 
   // -- The printer's Bluetooth module -------------------------------------------------------------
@@ -270,9 +270,9 @@ class QUOR_EXPORT ExternalAccessoryPort
       std::optional<std::string> settingTitle, std::int32_t settingLength,
       std::int32_t timeoutMillis);
 
-  /// Puts the module into command mode, asks it to drop the link and waits, up to the creation
-  /// time-out, until the link is lost. Returns true if the link is lost; the port is then still
-  /// open but not connected. Throws the exceptions of `enterATMode`.
+  /// Puts the module into command mode and asks it to drop the link. Waits until the link is lost,
+  /// but no longer than the input/output time-out. Returns true if the link is lost; the port is
+  /// then still open but not connected. Throws the exceptions of `enterATMode`.
   bool disconnect();
 
   /// Does the second part of `disconnect`: asks the module to drop the link, and waits. The module
@@ -303,8 +303,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   // -- Properties, from any thread ----------------------------------------------------------------
   // A getter returns a copy of the value.
 
-  /// The time limit of `endCheckedBlock` in milliseconds. Its initial value is the time-out that
-  /// was passed to `initWithPortName`.
+  /// The time limit of `endCheckedBlock` in milliseconds. Its initial value is the input/output
+  /// time-out.
   /// @{
   std::uint32_t endCheckedBlockTimeoutMillis() const { return _endCheckedBlockTimeoutMillis; }
   void setEndCheckedBlockTimeoutMillis(std::uint32_t millis) {

@@ -1,4 +1,4 @@
-// Moves bytes: writes once, reads once, and writes a whole command in several attempts.
+// The operations that move bytes: `write`, `read`, `readLeftovers` and `writeWithRetry`.
 
 #include <algorithm>
 #include <array>

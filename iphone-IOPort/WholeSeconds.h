@@ -16,8 +16,8 @@ class WholeSecondsWait {
         timeoutSec_(static_cast<std::int32_t>(timeoutMillis / 1000)),
         start_(clock.gettimeofday().tv_sec) {}
 
-  /// Reads the clock. Returns true if its seconds have advanced by more than the limit since the
-  /// start.
+  /// Reads the clock. Returns true if the clock's seconds have advanced by more than the limit
+  /// since the start.
   bool isOver() { return isOver(timeoutSec_); }
   bool isOver(std::int32_t timeoutSec) {
     end_ = clock_.gettimeofday().tv_sec;
@@ -27,7 +27,7 @@ class WholeSecondsWait {
   void restart() { start_ = clock_.gettimeofday().tv_sec; }
 
   std::int64_t start() const { return start_; }
-  std::int64_t end() const { return end_; }  ///< the seconds that `isOver` read last
+  std::int64_t end() const { return end_; }  ///< the clock's seconds at the last `isOver`
   std::int32_t timeoutSec() const { return timeoutSec_; }
 
  private:
