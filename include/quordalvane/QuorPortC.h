@@ -40,10 +40,10 @@ typedef struct QuorPort QuorPort;
  * selects the printer with that name, number or address. `port_name` is UTF-8; its first three
  * characters are the prefix, even if they are not "BT:". `port_settings` may be null, or contain
  * the letter d followed by the data time-out, 0 to 255 seconds. `timeout` is the input/output
- * time-out, called the creation time-out below; with 0, a wait ends when the clock reaches its next
- * second. On the main thread the function also starts the port's own thread, which runs until
- * quor_port_close. Returns QUOR_FAILED, with null in `*port`, if quor_connect_devices was not
- * called before or the thread cannot be created. */
+ * time-out in milliseconds; with 0, a wait ends when the clock reaches its next second. On the main
+ * thread the function also starts the port's own thread, which runs until quor_port_close. Returns
+ * QUOR_FAILED, with null in `*port`, if quor_connect_devices was not called before or the thread
+ * cannot be created. */
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
 
@@ -84,7 +84,7 @@ QUOR_EXPORT QuorCode quor_port_write(QuorPort* port, const void* data, size_t si
 QUOR_EXPORT QuorCode quor_port_read(QuorPort* port, void* buffer, size_t capacity, size_t* length);
 
 /** Sends a whole short command. Tries again every 50 ms until the whole command is sent or the
- * creation time-out has passed, and stores the number of bytes sent in `*written`. Returns
+ * input/output time-out has passed, and stores the number of bytes sent in `*written`. Returns
  * QUOR_FAILED, with 0 in `*written`, if the link is lost or the time-out passes; a part of the
  * command may have been sent before. Use this function only for commands that a link takes at once:
  * if the link takes only a part of a command, bytes may be left out or sent twice. Send print data
@@ -139,9 +139,9 @@ enum {
  * receives each status that the printer sends. Returns QUOR_OK if the exchange worked;
  * `*result_code` is then success, or failed if a line-mode printer was off line and nothing was
  * sent. Returns QUOR_FAILED if the exchange failed, or if the printer's counter was not reset
- * within the creation time-out; `*result_code` is then failed. Also returns QUOR_FAILED if nobody
- * took the paper within the hold-print time-out; `*result_code` is then paper present. Returns
- * QUOR_PORT_EXCEPTION if the link is lost. */
+ * within the input/output time-out; `*result_code` is then failed. Also returns QUOR_FAILED if
+ * nobody took the paper within the hold-print time-out; `*result_code` is then paper present.
+ * Returns QUOR_PORT_EXCEPTION if the link is lost. */
 QUOR_EXPORT QuorCode quor_port_begin_checked_block(QuorPort* port, QuorPrinterStatus_2* status,
                                                    uint32_t level, int64_t* result_code);
 
@@ -162,7 +162,7 @@ QUOR_EXPORT QuorCode quor_port_start_data_cancel(QuorPort* port);
  * after a failure it still returns the earlier text. The first function also checks the status, and
  * fails if the printer is off line. The second sends only the query of line mode, and the third
  * sends only the query of ESC/POS. All three return QUOR_FAILED if there is no answer within the
- * creation time-out, and QUOR_UNREADABLE if an ESC/POS reply has only one byte.
+ * input/output time-out, and QUOR_UNREADABLE if an ESC/POS reply has only one byte.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_retrieve_firmware_information2(QuorPort* port);
@@ -171,18 +171,19 @@ QUOR_EXPORT QuorCode quor_port_retrieve_escpos_firmware_information(QuorPort* po
 
 /** Asks for both DIP-switch banks and appends them to the banks that
  * quor_port_dip_switch_information returns. Returns QUOR_FAILED if the printer did not answer for a
- * bank within the creation time-out; if only bank 2 failed, bank 1 has been appended. */
+ * bank within the input/output time-out; if only bank 2 failed, bank 1 has been appended. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_information(QuorPort* port);
 
 /** Asks for the two setting bytes of `bank`, which is 1 or 2, and stores them in `settings`; the
  * port does not keep them. Returns QUOR_FAILED if there is no answer of two bytes within the
- * creation time-out; `settings` is then unchanged. */
+ * input/output time-out; `settings` is then unchanged. */
 QUOR_EXPORT QuorCode quor_port_retrieve_dip_switch_bank(QuorPort* port, uint8_t bank,
                                                         uint8_t settings[2]);
 
 /** Asks for the button-security time-out and stores it in `*milliseconds`. The value is 0 if button
- * security is off. Otherwise it is the printer's 5, 10 or 20 seconds plus the creation time-out,
- * modulo 2^32. Returns QUOR_FAILED if there is no answer within the creation time-out. */
+ * security is off. Otherwise it is the printer's 5, 10 or 20 seconds plus the input/output
+ * time-out, modulo 2^32. Returns QUOR_FAILED if there is no answer within the input/output
+ * time-out. */
 QUOR_EXPORT QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port,
                                                                 uint32_t* milliseconds);
 
@@ -203,10 +204,10 @@ QUOR_EXPORT QuorCode quor_port_get_printer_response(QuorPort* port, const char* 
                                                     int32_t setting_length, int32_t timeout,
                                                     char* text, size_t capacity, size_t* length);
 
-/** Ask the module to drop the link, and wait up to the creation time-out until the link is lost.
- * The port remains open. Both functions return QUOR_FAILED if the link is not lost by then. The
- * first function puts the module into command mode; the second requires that the module is already
- * in command mode.
+/** Ask the module to drop the link, and wait up to the input/output time-out until the link is
+ * lost. The port remains open. Both functions return QUOR_FAILED if the link is not lost by then.
+ * The first function puts the module into command mode; the second requires that the module is
+ * already in command mode.
  * @{ */
 QUOR_EXPORT QuorCode quor_port_disconnect(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_disconnect_bluetooth_connection(QuorPort* port);
@@ -220,7 +221,7 @@ QUOR_EXPORT int32_t quor_port_emulation(QuorPort* port);
 QUOR_EXPORT uint32_t quor_port_timeout(QuorPort* port);
 /** @} */
 
-/** The time limit of quor_port_end_checked_block. Its initial value is the creation time-out.
+/** The time limit of quor_port_end_checked_block. Its initial value is the input/output time-out.
  * @{ */
 QUOR_EXPORT uint32_t quor_port_end_checked_block_timeout(QuorPort* port);
 QUOR_EXPORT QuorCode quor_port_set_end_checked_block_timeout(QuorPort* port, uint32_t milliseconds);

@@ -119,7 +119,7 @@ class Model {
   Platform& platform_;
   Trace& trace_;
   const std::shared_ptr<const void> receiver_;  // receives the streams' events
-  const std::int32_t limit_;                    // the creation time-out in whole seconds
+  const std::int32_t limit_;                    // the input/output time-out in whole seconds
   std::uint32_t endMillis_;
   std::uint32_t holdMillis_ = 0;
   std::int64_t dataTimeoutSeconds_ = -1;
