@@ -47,11 +47,12 @@ function(quor_interface name)
   target_link_libraries(${name} INTERFACE ${ARG_LINKS})
 endfunction()
 
-# quor_left_out(WHAT PACKAGES FOLDER …): reports that a part is not built because packages are missing. The file
-# left_out.txt lists the folders of tests that are therefore not built, so that they do not count as forgotten.
+# quor_left_out(WHAT NEEDS FOLDER …): reports that a part is not built because the machine or the build lacks NEEDS, such
+# as packages. The file left_out.txt lists the folders of tests that are therefore not built, so that they do not count
+# as forgotten.
 file(REMOVE ${PROJECT_BINARY_DIR}/left_out.txt)
-function(quor_left_out what packages)
-  message(STATUS "Left out: ${what}, which needs ${packages}")
+function(quor_left_out what needs)
+  message(STATUS "Left out: ${what}, which needs ${needs}")
   foreach(folder ${ARGN})
     file(APPEND ${PROJECT_BINARY_DIR}/left_out.txt "${folder}\n")
   endforeach()

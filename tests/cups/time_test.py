@@ -4,8 +4,9 @@ back end."""
 import statistics
 import subprocess
 import time
+import unittest
 
-from harness import main
+from harness import IS_SANITIZED, main
 from queues import QUOR, QueueCase
 from scheduler import SOCKET, as_nobody
 
@@ -24,6 +25,7 @@ class JobTime(QueueCase):
         self.assertSettles(job, "completed")
         return time.monotonic() - began
 
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer takes time")
     def test_a_job_takes_at_most_150_ms_more_than_with_a_back_end_that_confirms_nothing(self):
         """Compares the shortest time of each back end, because other work on the machine only makes a time longer."""
         ours, theirs = self.simulator(), self.simulator()

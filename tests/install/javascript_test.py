@@ -16,6 +16,7 @@ PACKAGE = "koffi@2.16.3"
 
 
 @unittest.skipUnless(shutil.which("npm"), "needs npm")
+@unittest.skipIf("-fsanitize" in os.environ["CXXFLAGS"], "the library is built with a sanitizer")
 class JavaScript(ProgramTest):
     @classmethod
     def setUpClass(cls):

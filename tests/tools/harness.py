@@ -20,6 +20,8 @@ from collections.abc import Callable, Iterable
 from pathlib import Path
 
 QUORPORT = os.environ["QUORPORT"]
+# Whether a sanitizer checks the command, which then takes more time and memory.
+IS_SANITIZED = "-fsanitize" in os.environ.get("CXXFLAGS", "")
 DEADLINE = 30  # seconds; far beyond the time of any test here
 
 FLAGS = """coverOpen offline compulsionSwitch overTemp unrecoverableError cutterError mechError
