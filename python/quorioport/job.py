@@ -36,8 +36,8 @@ class Proof(Enum):
 
     #: The printer is not asked for a confirmation, so the best outcome of a job is UNCONFIRMED.
     NONE = "none"
-    #: The key `proof=` of the device decides. If this key is missing, the printer is asked before the job how it can
-    #: confirm.
+    #: The key `proof=` of the device decides. If this key is missing, the printer is asked before the job how it
+    #: can confirm a job.
     AUTO = "auto"
     #: Two marks enclose the data. The printer counts these marks.
     BLOCK = "block"

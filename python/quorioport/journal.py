@@ -163,12 +163,12 @@ class Journal:
 
         The beginning of the attempt is on disk before the first byte is sent, and the outcome is on disk before this
         method returns. If nobody knows whether a job is on paper, it remains unconfirmed and nothing is sent, unless
-        `again` says that a person has looked. If the port is closed, it is opened when it is needed, and closed
-        afterwards. Waits at most `timeout` seconds for another process that prints this job, and at most `timeout`
-        seconds for another job on this printer.
+        `again` says that a person has looked at the paper. If the port is closed, it is opened when it is needed, and
+        closed afterwards. Waits at most `timeout` seconds for another process that prints this job, and at most
+        `timeout` seconds for another job on this printer.
 
         Raises UsageError if the name is invalid or belongs to other data. Raises OperationError if the printer cannot
-        be reached or another job uses it; in that case nothing was sent, and the journal records that.
+        be reached or another job uses it; in that case nothing was sent, and the journal records the failure.
         """
         if len(port.configuration.devices) != 1:
             raise UsageError("a job under a name needs a port with exactly one device")

@@ -77,9 +77,9 @@ class Port:
         `device` is a text such as "tcp:192.0.2.10:9100", "usb:" or "virtual:". If it is a list, `port_name` chooses:
         "BT:" means the first, and "BT:" with a name, serial number or address means the device that has it. Times are
         in seconds. `timeout` limits each exchange with the printer. `end_timeout` limits the wait for the end of
-        printing after a job's last byte (None: as `timeout`). `hold_print_timeout` limits the wait until somebody takes
-        paper from the exit. The printer drops an unfinished job after `data_timeout` seconds without data; 0 means
-        never, None means the printer's own setting.
+        printing after a job's last byte (None: the value of `timeout`). `hold_print_timeout` limits the wait until
+        somebody takes paper from the exit. The printer drops an unfinished job after `data_timeout` seconds without
+        data; 0 means never, None means the printer's own setting.
         """
         self.configuration = configuration(
             device,
@@ -203,14 +203,14 @@ class Port:
         self._worker.call(self._handle.disconnect)
 
     def write(self, data: bytes) -> int:
-        """Sends bytes over the link and returns how many it accepted, which may be 0. Waits at most 0.1 s.
+        """Sends bytes over the link and returns how many the link accepted; this may be 0. Waits at most 0.1 s.
 
         Use this method for commands of your own; print receipts with `print`.
         """
         return self._worker.call(self._handle.write, data)
 
     def read(self, size: int) -> bytes:
-        """Returns at most `size` bytes that the printer has sent. Waits at most 0.1 s for the first."""
+        """Returns at most `size` bytes that the printer has sent. Waits at most 0.1 s for the first byte."""
         return self._worker.call(self._handle.read, size)
 
     def send_command(self, command: bytes) -> None:
