@@ -68,8 +68,8 @@ std::string obstructed(const Obstacle& obstacle, std::size_t position,
                   : "");
 }
 
-/// No command begins with a byte above this one. Most bytes of a job are text. Text is above this
-/// byte, so it is skipped quickly.
+/// No command begins with a byte above this one. Most bytes of a job are text. The bytes of text
+/// are above this byte and are skipped quickly.
 constexpr std::uint8_t highestFirstByte = 0x1d;
 
 bool isText(std::uint8_t byte) {
@@ -86,9 +86,8 @@ const std::initializer_list<std::uint8_t> answeredCommands[] = {
     {0x1d, 0x49}, {0x1d, 0x61}, {0x1d, 0x67}, {0x1d, 0x72},
 };
 
-/// Returns true if the command belongs to two-dimensional barcodes and the printer does not answer
-/// it. Of these commands, a printer answers only the function that asks for the size of the
-/// barcode.
+/// Returns true if the command belongs to two-dimensional barcodes and a printer does not answer
+/// this command. A printer answers only the function that asks for the size of the barcode.
 bool isSilentSymbol(ByteView command) {
   constexpr std::size_t function = 6;
   return startsWith(command, {0x1d, 0x28, 0x6b}) && command.size() > function &&

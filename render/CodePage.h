@@ -34,8 +34,8 @@ class CodePage {
   /// accented letter.
   std::optional<std::vector<std::uint8_t>> encoded(const std::string& line) const;
 
-  /// Returns, in UTF-8, the character of a byte from 80 to ff; "" if the page has no character for
-  /// it.
+  /// Returns, in UTF-8, the character of a byte from 80 to ff (hex); "" if the page has no
+  /// character for it.
   std::string character(std::uint8_t byte) const;
 
  private:

@@ -39,7 +39,7 @@ step() {
   printf '%5d.%d s  %s\n' $((milliseconds / 1000)) $((milliseconds / 100 % 10)) "$1"
 }
 
-# Writes the claim of a trial, which is its first line.
+# Writes the claim of a trial: the first line of its script.
 claim_of() {
   sed -n '1s/^# \(.*\)\.$/\1/p' "scripts/trial/$1.sh"
 }

@@ -21,8 +21,8 @@ class Macro {
 
   /// Executes the command 1d 5e: starts to execute the macro `times` times. Returns false if there
   /// is nothing to execute, because no macro is defined or the job has executed
-  /// `mostCommandsOfAJob` commands. If the definition of the macro has not ended, it is lost, and
-  /// the result is false.
+  /// `mostCommandsOfAJob` commands. If the definition of the macro has not ended, the definition is
+  /// lost and the result is false.
   bool execute(unsigned times);
 
   /// Returns the next command to execute; null if there is none. Valid until the next call.

@@ -17,9 +17,10 @@
 namespace quordalvane::simulator {
 
 /// A connection to a printer, from the host's side. It accepts bytes while there is space, and
-/// returns the printer's replies. It can drop, which means that it ends before the host ends it. A
-/// printer has one connection at a time: a new one ends the previous one. The printer must outlive
-/// the link. The destructor ends the connection; the printer keeps the data that it has accepted.
+/// returns the printer's replies. The link can drop, which means that it ends before the host ends
+/// it. A printer has one connection at a time: a new one ends the previous one. The printer must
+/// outlive the link. The destructor ends the connection; the printer keeps the data that it has
+/// accepted.
 ///
 /// Every call first lets the printer work until `now`. The times of the calls must not decrease. No
 /// call blocks. A link must not be used by two threads at once.
