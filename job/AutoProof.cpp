@@ -19,7 +19,7 @@ MaybeSetback AutoProof::begin() {
   const ProofKind kind = *memory_.foundProof;
   if (kind == ProofKind::None) {
     chosen_ = std::make_unique<NoProof>(
-        "the printer answered no question about its proof within 1 s; no confirmation", clearBuffer,
+        "the printer did not answer within 1 s how it confirms jobs; no confirmation", clearBuffer,
         link(), result());
   } else {
     chosen_ = makeProof(kind, link(), result());

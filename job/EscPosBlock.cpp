@@ -60,8 +60,8 @@ MaybeSetback EscPosBlock::markBeginning() {
   isFirstMarkReported_ = sinceMark_.lastReport() == countOfOneMark;
   if (sinceMark_.lastReport() && !isFirstMarkReported_) {
     return Setback{PrintObstacle::ExchangeFailed,
-                   "the printer has already counted the end of an earlier job, so that it cannot "
-                   "confirm this job"};
+                   "the printer's counter includes a mark of an earlier job, so that the counter "
+                   "cannot confirm this job"};
   }
   return std::nullopt;
 }

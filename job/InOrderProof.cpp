@@ -32,9 +32,10 @@ MaybeSetback InOrderProof::makeQuestion(ByteView data, std::vector<std::uint8_t>
                    "not every question to the printer had exactly one answer"};
   }
   if (!inData) {
-    return Setback{PrintObstacle::NoProof,
-                   "cannot be confirmed: the data itself may ask for in-order answers, and they "
-                   "cannot be counted"};
+    return Setback{
+        PrintObstacle::NoProof,
+        "cannot be confirmed: the data may contain requests for in-order answers, and the "
+        "number of these requests is unknown"};
   }
   asked_ += *inData + 1;
   question.assign(std::begin(inOrderRequest), std::end(inOrderRequest));

@@ -56,7 +56,7 @@ const Obstacle* obstacleAt(ByteView data, ZKEmulation emulation) {
 
 std::string cutShort(std::size_t position) {
   return "the data ends inside the command that begins at byte " + grouped(position) +
-         ", so that the printer reads the mark after the job as data";
+         ", so that the printer reads the end-of-block mark as a part of this command";
 }
 
 std::string obstructed(const Obstacle& obstacle, std::size_t position,

@@ -27,8 +27,8 @@ std::unique_ptr<Proof> makeUnasked(PortLink& link, PrintResult& result) {
 }
 
 std::unique_ptr<Proof> makeUnknown(PortLink& link, PrintResult& result) {
-  return std::make_unique<NoProof>("line mode does not have the chosen proof", dropAll, link,
-                                   result);
+  return std::make_unique<NoProof>("in line mode no job can be confirmed by the chosen proof",
+                                   dropAll, link, result);
 }
 
 using Maker = std::unique_ptr<Proof> (*)(PortLink& link, PrintResult& result);

@@ -32,8 +32,9 @@ struct ProofWords {
 /// A table of all proofs. `Auto` is first and `None` is last. Between them are the proofs that a
 /// printer can give, beginning with the strongest.
 inline constexpr ProofWords proofWords[] = {
-    {ProofKind::Auto, "auto", "the printer is asked for its proof"},
-    {ProofKind::Block, "block", "the printer counts marks before and after each job"},
+    {ProofKind::Auto, "auto", "the printer is asked how it can confirm jobs"},
+    {ProofKind::Block, "block",
+     "the printer counts the marks that are sent before and after each job"},
     {ProofKind::ProcessId, "process-id", "the printer returns the characters that end each job"},
     {ProofKind::InOrder, "in-order",
      "the printer answers a question after each job, when it has processed the job"},

@@ -208,7 +208,7 @@ class DoctorResult(Case):
             self.assertEqual(device["device"], simulator.place)
             self.assertEqual(set(device["status"]), STATUS_KEYS)
             self.assertEqual(device["proof"], "block")
-            self.assertIn("  proof: block: the printer counts marks", result.out)
+            self.assertIn("  proof: block: the printer counts the marks", result.out)
 
     def test_doctor_reports_how_an_escpos_printer_confirms_jobs(self):
         for proofs, found in (("block+in-order", "block"), ("process-id+in-order", "process-id"), ("in-order", "in-order"),

@@ -77,7 +77,7 @@ TEST(PrinterWithoutProof, LeavesTheJobUnconfirmedWithoutWaitingForAConfirmation)
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.proof, ProofKind::None);
   EXPECT_EQ(result.reason,
-            "the printer answered no question about its proof within 1 s; no confirmation after "
+            "the printer did not answer within 1 s how it confirms jobs; no confirmation after "
             "all 45 bytes");
 }
 
