@@ -164,6 +164,7 @@ QuorCode quor_port_end_checked_block(QuorPort* port, QuorPrinterStatus_2* status
 
 QuorCode quor_port_start_data_cancel(QuorPort* port) {
   return guarded([&] {
-    succeed(given(port).startDataCancel(), "the whole command to cancel data could not be written");
+    succeed(given(port).startDataCancel(),
+            "the command to cancel data could not be written completely");
   });
 }

@@ -24,7 +24,8 @@ static_assert(sameNumber(QUOR_OBSTACLE_NO_PROOF, PrintObstacle::NoProof));
 std::optional<ProofKind> proofOf(std::int32_t number) {
   const auto proof = proofNumbered(number);
   if (!proof) {
-    throw CallFailure(QUOR_USAGE, "there is no proof with the number " + std::to_string(number));
+    throw CallFailure(QUOR_USAGE, "no kind of proof has the number " + std::to_string(number) +
+                                      "; the constants QUOR_PROOF_... are the numbers");
   }
   return proof == ProofKind::Auto ? std::nullopt : proof;
 }

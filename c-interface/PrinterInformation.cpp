@@ -51,7 +51,7 @@ QuorCode quor_port_retrieve_button_security_timeout(QuorPort* port, uint32_t* mi
   return guarded([&] {
     given(milliseconds, "the time-out");
     const std::int64_t timeout = given(port).retrieveButtonSecurityTimeout();
-    succeed(timeout >= 0, "the printer did not answer with its button-security time-out");
+    succeed(timeout >= 0, "the printer did not report its button-security time-out");
     *milliseconds = static_cast<uint32_t>(timeout);
   });
 }

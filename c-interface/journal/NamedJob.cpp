@@ -69,7 +69,9 @@ QuorCode quor_named_job_refuse(QuorNamedJob* job, const char* reason) {
     result.bytesTotal = given(job, "the named job").data.size();
     result.reason = &given(reason, "the reason");
     if (job->job.answer()) {
-      throw CallFailure(QUOR_USAGE, "this job was begun before, so that it cannot be refused now");
+      throw CallFailure(
+          QUOR_USAGE,
+          "the journal shows that this job was begun, so that it cannot be recorded as refused");
     }
     job->end();
     job->told = job->job.refuse(result);

@@ -69,7 +69,9 @@ class VirtualPrinter:
         except OSError as error:
             self._errors.close()
             self._folder.cleanup()
-            raise SystemFailureError(f"{error}; install the package quorport, or name the program") from error
+            raise SystemFailureError(
+                f"{error}; install the package quorport, or name the program by the argument command or in QUORPORT"
+            ) from error
         assert self._process.stdout is not None
         first = self._process.stdout.readline()
         if not first or "listening" not in json.loads(first):

@@ -116,7 +116,7 @@ static void AnUnknownProofIsRefused(void) {
   QuorPort* port = openPortTo("virtual:", QUOR_EMULATION_LINE);
   QuorPrintJob* job = NULL;
   EXPECT_FAILURE(quor_print_job_create(port, 5, NULL, NULL, &job), QUOR_USAGE,
-                 "no proof with the number 5");
+                 "no kind of proof has the number 5");
   EXPECT(job == NULL);
   done(port);
 }

@@ -39,7 +39,7 @@ static void ARepeatedPrintedJobIsAnsweredWithoutThePort(void) {
   EXPECT(quor_named_job_run(named, job) == QUOR_OK);
   EXPECT(quor_print_job_outcome(job) == QUOR_PRINTED);
   EXPECT(quor_print_job_bytes_accepted(job) == receiptSize);
-  EXPECT_FAILURE(quor_named_job_refuse(named, "no printer"), QUOR_USAGE, "begun before");
+  EXPECT_FAILURE(quor_named_job_refuse(named, "no printer"), QUOR_USAGE, "was begun");
   quor_named_job_free(named);
   quor_print_job_free(job);
   done(port);
