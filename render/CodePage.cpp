@@ -40,8 +40,8 @@ std::string usualNumbers() {
 
 [[noreturn]] void fail(const std::string& why) {
   throw RenderError(why +
-                    "; a code page is a number such as 16, or NUMBER:NAME for a printer with "
-                    "other numbers. The usual numbers are " +
+                    "; a code page is one of the usual numbers, such as 16, or NUMBER:NAME if the "
+                    "printer gives it another number. The usual numbers are " +
                     usualNumbers());
 }
 

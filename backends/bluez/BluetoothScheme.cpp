@@ -50,8 +50,8 @@ constexpr OpenCause causes[] = {
      bluetoothCategory},
     {of(BluetoothError::NotAuthorized), "not-authorized",
      "the connection was not authorised in time",
-     "confirm the question on the screen of the printer or of this machine; after the command "
-     "bluetoothctl trust ADDRESS nobody is asked again",
+     "confirm the connection on the screen of the printer or of this machine; to be asked no more, "
+     "run: bluetoothctl trust ADDRESS",
      bluetoothCategory},
     {of(BluetoothError::HostDown), "out-of-range", "the printer does not answer over the air",
      "switch the printer on and bring it nearer; if another host is connected to it, end that "

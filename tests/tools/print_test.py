@@ -90,11 +90,11 @@ class PrintCommand(Case):
 
     def test_a_hint_names_the_device_key_that_makes_later_jobs_start_faster(self):
         asked = run("-d", "virtual:proofs=process-id", "-e", "escpos", "print", "-", data=b"text\n")
-        self.assertIn("hint: with ,proof=process-id after the device", asked.out)
+        self.assertIn("hint: add ,proof=process-id to the device", asked.out)
         for silent in ("proofs=none", "proofs=process-id,late-reply=3000@process-id"):
             result = run("-d", "virtual:" + silent, "-e", "escpos", "print", "-", data=b"text\n")
             self.assertIn("within 1 s", result.err)
-            self.assertIn("hint: if every job ends without an answer, with ,proof=none after the device", result.err)
+            self.assertIn("hint: if every job ends without an answer, add ,proof=none to the device", result.err)
         for options in (("-d", "virtual:"), ("-d", "virtual:,proof=block", "-e", "escpos")):
             self.assertNotIn("hint", run(*options, "print", "-", data=b"text\n").out)
 

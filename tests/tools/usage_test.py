@@ -26,7 +26,7 @@ class CommandLine(Case):
 
     def test_the_help_of_a_command_mentions_the_global_options(self):
         for command in set(COMMANDS) - {"help"}:
-            self.assertIn("--device and --json, can follow as well; quorport --help lists them.", run(command, "--help").out)
+            self.assertIn("--device and --json, can also follow the command; quorport --help lists them.", run(command, "--help").out)
 
     def test_the_help_of_doctor_says_that_it_needs_a_device(self):
         self.assertExit(2, run("doctor"))

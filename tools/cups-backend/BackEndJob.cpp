@@ -30,7 +30,7 @@ std::string option(const std::string& options, const std::string& key) {
 // The name must be unique, because the journal treats two jobs with the same name as one job.
 std::string randomName() {
   std::random_device dice;
-  std::string name = "job without a name ";
+  std::string name = "unnamed job ";
   for (int i = 0; i < 4; ++i) {
     name += std::to_string(dice());
   }

@@ -45,8 +45,8 @@ void QueuePrinter::open() {
     const std::string why = lastOpenError(*accessory_);
     if (why.empty()) {
       throw std::invalid_argument(
-          "the keys of the device " + inQuotes(uri_.device) +
-          " prevent the port from choosing it; leave out manufacturer and protocol");
+          "because of its keys, the device " + inQuotes(uri_.device) +
+          " does not count as a printer; leave out the keys manufacturer and protocol");
     }
     throw OutOfReach(why);
   }

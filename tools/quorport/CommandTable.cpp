@@ -10,7 +10,8 @@ namespace {
 
 constexpr Command commands[] = {
     {"find", "look for devices that could be printers", find},
-    {"list", "show the accessories, and which one the port name chooses", list},
+    {"list", "show the accessory (printer) of each device, and which one the port name chooses",
+     list},
     {"status", "ask the printer for its status", status, addStatusOptions},
     {"online", "ask the printer whether it is ready to print", online},
     {"print", "print a file and report the outcome honestly", print, addPrintOptions,

@@ -59,7 +59,7 @@ std::string proofLine(const Diagnosis& diagnosis) {
   return "  proof: " + inWords(*diagnosis.proof) +
          (diagnosis.emulation == ZKEmulationESCPOS
               ? "; add ,proof=" + std::string(nameOf(*diagnosis.proof)) +
-                    " to the device, and no job asks for the proof"
+                    " to the device, so that no job asks the printer how it confirms jobs"
               : "") +
          "\n";
 }

@@ -8,14 +8,14 @@ inline constexpr auto description =
     "Talks to receipt printers: asks for their state, prints, and reports the outcome honestly.";
 
 inline constexpr auto statusesAndExamples =
-    "Exit status: 0 done, 1 the exchange with the printer failed, 2 wrong usage, 3 no accessory\n"
-    "matched or it could not be opened, 4 the printer is not ready, 5 the link was lost,\n"
-    "6 unconfirmed, 7 the journal of jobs cannot be used, and nothing was sent,\n"
-    "128 plus the number of a signal: 129 hung up, 130 interrupted, 143 terminated.\n"
+    "Exit status: 0 done, 1 the exchange with the printer failed, 2 wrong usage, 3 no device\n"
+    "matched the port name or the device could not be opened, 4 the printer is not ready,\n"
+    "5 the link was lost, 6 unconfirmed, 7 the journal of jobs cannot be used, and nothing was\n"
+    "sent, 128 plus the number of a signal: 129 hung up, 130 interrupted, 143 terminated.\n"
     "\n"
-    "Without a device, print sends nothing and ends with exit status 2; every other command uses\n"
-    "the virtual printer and says so. The variable QUORPORT_DEVICE names devices, separated by\n"
-    "blanks.\n"
+    "Without a device, the command print sends nothing and ends with exit status 2; every other\n"
+    "command uses the virtual printer and says so. The variable QUORPORT_DEVICE names devices,\n"
+    "separated by blanks.\n"
     "\n"
     "  quorport -d virtual: print receipt.txt                 on the virtual printer\n"
     "  quorport -d tcp:192.0.2.10:9100 status\n"
@@ -30,8 +30,8 @@ inline constexpr auto printFooter =
     "  refused      nothing of the job was sent (exit status 1, 3, 4 or 5)\n";
 
 inline constexpr auto commandFooter =
-    "The global options, such as --device and --json, can follow as well; quorport --help lists "
-    "them.";
+    "The global options, such as --device and --json, can also follow the command; quorport --help "
+    "lists them.";
 
 inline constexpr auto doctorFooter =
     "This command examines the device of every --device, and sends no data to be printed. Without\n"
@@ -52,12 +52,12 @@ inline constexpr auto simulateFooter =
     "The first line on standard output names the place where the printer listens: the word\n"
     "listening, a blank, and a SPEC for --device. If a fault ends the link of a terminal (pty:),\n"
     "a terminal with a new path replaces it, and a line with this path is written to standard\n"
-    "error. With --json the first line is a JSON object, and each job adds an object at its end.\n"
+    "error. With --json the first line is a JSON object; when a job ends, another one follows.\n"
     "Standard input and the control socket take control lines. Each control line is a JSON\n"
     "object, and the answer is a JSON object as well. Examples:\n"
     "  {\"set\": {\"coverOpen\": true, \"speed\": 200}}   {\"get\": \"state\"}   {\"quit\": true}\n"
     "  {\"fault\": {\"late-reply\": 300}}               {\"clear\": \"faults\"}\n"
     "  {\"tear\": \"paper\"}                           {\"print\": \"test\"}\n"
-    "With --web a browser shows the paper while it is printed, and sends the same lines.\n";
+    "With --web a browser shows the paper while it is printed, and can send control lines.\n";
 
 }  // namespace quordalvane::tool::help

@@ -143,11 +143,12 @@ void addGlobalOptions(CLI::App& app, Options& options) {
 
 void addStatusOptions(CLI::App& app, Options& all) {
   StatusOptions& options = all.status;
-  addText(app, "--level", "N",
-          "the number that the log shows as the level of the request (default 0)",
-          [&options](const std::string& text) {
-            options.level = number(text, {0, longestTime}, "a number");
-          });
+  addText(
+      app, "--level", "N",
+      "a number that is only written to the log, as the level of the status request (default 0)",
+      [&options](const std::string& text) {
+        options.level = number(text, {0, longestTime}, "a number");
+      });
   app.add_flag("-v,--verbose", options.verbose, "show every field, even if it is empty");
 }
 
@@ -155,10 +156,11 @@ void addPrintOptions(CLI::App& app, Options& all) {
   PrintOptions& options = all.print;
   CLI::Option* const file =
       app.add_option("FILE", options.file, "the file to print; - is standard input")->required();
-  addText(app, "--proof", "NAME",
-          "how the printer confirms the job: " + proofNames() +
-              " (default: proof= of the device, otherwise auto, which asks the printer)",
-          [&options](const std::string& text) { options.proof = proof(text); });
+  addText(
+      app, "--proof", "NAME",
+      "how the printer confirms the job: " + proofNames() +
+          " (default: the key proof of the device; without this key auto, which asks the printer)",
+      [&options](const std::string& text) { options.proof = proof(text); });
   app.add_flag_callback(
       "--unchecked", [&options] { options.proof = ProofKind::None; },
       "print without a proof, like --proof none: the printer is asked neither before nor after the "
@@ -185,9 +187,10 @@ void addPrintOptions(CLI::App& app, Options& all) {
 
 void addDoctorOptions(CLI::App& app, Options& all) {
   DoctorOptions& options = all.doctor;
-  app.add_option("--bundle", options.bundle,
-                 "write versions, findings, status and diagnostic records to this new file, which "
-                 "holds no print data")
+  app.add_option(
+         "--bundle", options.bundle,
+         "write versions, findings, status and diagnostic records, but no print data, to this "
+         "new file")
       ->type_name("FILE")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.footer(help::doctorFooter);
@@ -209,23 +212,24 @@ void addMonitorOptions(CLI::App& app, Options& all) {
 
 void addSimulateOptions(CLI::App& app, Options& all) {
   SimulateOptions& options = all.simulate;
-  addTexts(app, "--listen", "SPEC",
-           "tcp:, tcp:PORT or tcp:HOST:PORT (without PORT or with 0: any free port; without HOST: "
-           "only this machine can connect), unix:PATH, or pty:; ,name=NAME names the printer; may "
-           "be repeated, once for each printer",
-           options.listen)
+  addTexts(
+      app, "--listen", "SPEC",
+      "tcp:, tcp:PORT, tcp:HOST:PORT, unix:PATH or pty: (without PORT or with 0, any free port; "
+      "without HOST, only this machine can connect). Add ,name=NAME to name the printer. May be "
+      "repeated, once for each printer",
+      options.listen)
       ->required();
   addText(
       app, "--hosts", "one|turns|refuse",
-      "let a host that connects while another is connected wait (one), print between the other's "
-      "jobs (turns), or be refused (refuse) (default: one)",
+      "if a host is already connected, a second host waits (one), prints between the first host's "
+      "jobs (turns), or is refused (refuse); the default is one",
       [&options](const std::string& text) {
         options.hosts = chosen<HostRule>(
             text, text,
             {{"one", HostRule::One}, {"turns", HostRule::Turns}, {"refuse", HostRule::Refuse}});
       });
   addTexts(app, "--set", "KEY=VALUE",
-           "set a state or a fault of the printer; the keys are those of a device virtual:; may be "
+           "set a state or a fault of the printer, with a key that a virtual: device takes; may be "
            "repeated",
            options.settings);
   app.add_option("--receipts", options.receipts,

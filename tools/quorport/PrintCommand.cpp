@@ -62,8 +62,8 @@ std::string hintOf(const PrintResult& result) {
   }
   const std::string condition =
       result.proof == ProofKind::None ? "if every job ends without an answer, " : "";
-  return "\n  hint: " + condition + "with ,proof=" + std::string(nameOf(result.proof)) +
-         " after the device, a job need not ask how the printer confirms it";
+  return "\n  hint: " + condition + "add ,proof=" + std::string(nameOf(result.proof)) +
+         " to the device, so that no job asks the printer how it confirms jobs";
 }
 
 Report reportOn(const PrintResult& result) {

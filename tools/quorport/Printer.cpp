@@ -150,7 +150,7 @@ CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options&
                                ? "no accessory matches the port name " + inQuotes(options.portName)
                                : printable(tooShort(options.portName));
   return {ExitCode::NoAccessory,
-          what + "; use BT: alone, or with a name, serial number or Bluetooth address; present: " +
+          what + "; use BT: alone, or with a name, serial number or Bluetooth address; printers: " +
               namesOf(platform.accessories())};
 }
 

@@ -35,8 +35,8 @@ void addContent(CLI::App& app, RenderOptions& options, CLI::Option& file) {
   text->excludes(image);
   page->excludes(text)->excludes(image)->excludes(&file);
   CLI::Option* const codePage = addValue(app, "--codepage", "N",
-                                         "use this code page of the printer for characters outside "
-                                         "ASCII, with --text and --test-page: "
+                                         "with --text and --test-page, use this code page of the "
+                                         "printer for characters outside ASCII; N is "
                                          "a number, such as 16, or NUMBER:NAME, such as 6:1251",
                                          options.codePage);
   page->needs(codePage);

@@ -153,7 +153,8 @@ class Examination {
       diagnosis_.findings.push_back(failedExchange(
           variant.cause,
           "the printer answers " + variant.words + ", but was asked " + variants().front().words,
-          "write " + variant.keys + " after the path, or set the printer to the other values"));
+          "write " + variant.keys +
+              " after the path, or set the printer to the values with which it was asked"));
     }
     if (emulation != options_.emulation && options_.emulation != ZKEmulationUnknown) {
       const EmulationName found = nameOf(emulation);
@@ -171,8 +172,8 @@ class Examination {
   Finding whyNoStatus() const {
     if (isLinkLost_) {
       return {"link-lost", ExitCode::LinkLost, "the link ends as soon as the printer is asked",
-              "end the other program that uses the printer, which serves one at a time; if there "
-              "is none, switch the printer off and on"};
+              "the printer serves one program at a time: end the other program that uses it; if no "
+              "other program uses it, switch the printer off and on"};
     }
     if (!bytes_.empty()) {
       return failedExchange("not-understood",

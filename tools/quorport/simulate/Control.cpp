@@ -206,7 +206,7 @@ Json Control::get(const std::string& what, std::size_t printer) const {
   if (what == "counters") {
     return countersOf(asked.deeds.counters(), asked.printer.printedBytes());
   }
-  refuse("the key get takes \"state\", \"settings\", \"faults\" or \"counters\", not " +
+  refuse("the key \"get\" takes \"state\", \"settings\", \"faults\" or \"counters\", not " +
          inQuotes(what));
 }
 

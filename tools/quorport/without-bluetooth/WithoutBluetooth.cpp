@@ -23,7 +23,7 @@ std::shared_ptr<EAAccessory> make(const DeviceSpec& /*spec*/, AccessoryIdentity 
 constinit const Scheme bluetoothScheme = {
     .name = "bluetooth",
     .place = "",
-    .about = "paired Bluetooth printers, but this program was built without Bluetooth",
+    .about = "paired Bluetooth printers (not available: this program was built without Bluetooth)",
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent = "",

@@ -17,7 +17,7 @@ const plainWords = {
   receiptPaperNearEmptyInner: "paper near end",
   receiptPaperNearEmptyOuter: "paper near end, outer sensor",
   paperPresent: "paper left in the exit",
-  etbAvailable: "counts job marks",
+  etbAvailable: "job marks are counted",
   utf8: "UTF-8",
   modelId: "model number",
   typeId: "type number",
