@@ -51,7 +51,7 @@ def main() -> int:
         ["ctest", "--test-dir", build, "--output-on-failure", "-j", str(os.cpu_count()), "-I", "0,0,0," + ",".join(chosen)],
         stdout=subprocess.PIPE, text=True)
     print(done.stdout if done.returncode else "", end="")
-    print(f"{len(chosen)} cases: the tests that the page names")
+    print(f"{len(chosen)} cases: all tests that docs/security.md names")
     return done.returncode
 
 

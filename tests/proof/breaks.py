@@ -30,7 +30,7 @@ BREAKS = (
           "if (expectedSize > static_cast<std::int32_t>(buffer.size()) + 1) {"),
     Break("leftovers of an earlier exchange are not thrown away", PORT + "Status.cpp",
           "  readLeftovers(drainSize);", "  readLeftovers(0);"),
-    Break("a block's end takes any count for its own", PORT + "CheckedBlock.cpp",
+    Break("a block is confirmed by any count of marks, not by 2 alone", PORT + "CheckedBlock.cpp",
           "if (quorPrinterStatus->etbCounter == 2) {", "if (quorPrinterStatus->etbCounter >= 1) {"),
     Break("a report that counts nothing ends the block", PORT + "CheckedBlock.cpp",
           "if (afterBytes[reportedCount] != 0) {", "if (afterBytes[reportedCount] == 0) {"),
@@ -38,7 +38,7 @@ BREAKS = (
           "return end_ - start_ > timeoutSec;", "return end_ - start_ >= timeoutSec;"),
     Break("an address is found inside a longer one", PORT + "Util.cpp",
           "if (!startsInside && !goesOn && isAddress", "if (!startsInside && isAddress"),
-    Break("a session that was not closed outlives a new choice", PORT + "Session.cpp",
+    Break("a session that was not closed remains while a new accessory is chosen", PORT + "Session.cpp",
           "  _session.set(nullptr);\n  _selectedAccessory.set(nullptr);\n  const auto chosen",
           "  const auto chosen"),
     Break("a close leaves the port thread running", PORT + "PortThread.cpp",
@@ -71,7 +71,7 @@ def main() -> int:
     for number, one in enumerate(BREAKS, 1):
         text = (scratch.TREE / one.path).read_text()
         if text.count(one.old) != 1:
-            raise SystemExit(f"{one.path} does not hold this once: {one.old}")
+            raise SystemExit(f"{one.path} does not contain this text exactly once: {one.old}")
         caught = scratch.try_text(areas.area_of(one.path), one.path, text.replace(one.old, one.new))
         if caught in (None, "compiler"):
             missed += 1

@@ -228,7 +228,7 @@ def report(tried: list[Tried], count: int, seed: int) -> int:
         print("\n".join(row for row, _ in survivors))
         noticeable = killed + sum(known_as.is_noticeable for _, known_as in survivors)
         print(f"{one.area.name}: {killed} of {noticeable} killed" + (f" ({killed / noticeable:.1%})" if noticeable else "")
-              + f"; {len(counted) - noticeable} more change nothing; drawn from {goal:,} mutants")
+              + f"; {len(counted) - noticeable} others that no test can notice; drawn from {goal:,} mutants")
         isGood = isGood and all(known_as.why for _, known_as in survivors) and killed >= ENOUGH * noticeable
     print(f"{total['counted']} of {total['goal']} cases: {total['killed']} killed, drawn by seed {seed}")
     return 0 if isGood else 1

@@ -38,9 +38,9 @@ def written(figures: dict[str, dict[str, str]]) -> str:
         "# The proof", "",
         "`./dev prove` writes this page. Each row shows the figures of its last run, and the size of this run: `commit`,",
         "`nightly` or `release`. `nightly` has more cases than `commit`, and `release` has more than `nightly`. The column",
-        "*how far* shows how much of this size is done; a run that was stopped continues there. A row that was not run says",
-        "so. The column *at each commit* says which part of a row `./dev test` runs, at the size `commit`; only",
-        "`./dev prove` runs the rest.", "",
+        "*how far* shows which share of the cases of this size was run. If a run was stopped, the next run continues with",
+        "the remaining cases. A row that was not run says so. The column *at each commit* says which part of a row",
+        "`./dev test` runs, at the size `commit`; only `./dev prove` runs the other parts.", "",
         HEAD, "|" + "---|" * 10,
     ]
     defects = [cells(line) for line in table("defects.md")[2:]]
@@ -50,8 +50,8 @@ def written(figures: dict[str, dict[str, str]]) -> str:
         values = [row.title, row.shows, row.suite, *(figure[name] for name in FIGURES[:5]), str(found), figure["run at"]]
         lines.append("| " + " | ".join(values) + " |")
     lines += [
-        "", "Other programs used the machines as well. After a run, `build/proof/details.md` contains the commands, the output of",
-        "each program, and the tables of mutants, branches and breaks.", "",
+        "", "Other programs ran on the same machines and may have lengthened the times. After a run, `build/proof/details.md`",
+        "contains the commands, the output of each program, and the tables of mutants, branches and breaks.", "",
         "[tests/proof/defects.md](../tests/proof/defects.md) lists the defects that were found, each with the test that would",
         "find it again. Beside that file, `uncovered.md` lists the branches that no test takes, and `survivors.md` lists the",
         "mutants that no test kills; both give the reasons.",
@@ -60,7 +60,7 @@ def written(figures: dict[str, dict[str, str]]) -> str:
 
 
 HEADS = {
-    "coverage": ["| file | line | never | why |", "|---|---|---|---|"],
+    "coverage": ["| file | line | the condition is never | why |", "|---|---|---|---|"],
     "mutation": ["| file | line | changed line | can a test notice it? | why it survives |", "|---|---|---|---|---|"],
     "breaks": ["| | what is broken | in | caught by |", "|---|---|---|---|"],
 }

@@ -85,7 +85,7 @@ def options() -> argparse.Namespace:
     size = parser.add_mutually_exclusive_group()
     size.add_argument("--nightly", action="store_const", dest="size", const=NIGHTLY, default=COMMIT)
     size.add_argument("--release", action="store_const", dest="size", const=RELEASE)
-    parser.add_argument("--minutes", type=float, metavar="N", help="stop after so long")
+    parser.add_argument("--minutes", type=float, metavar="N", help="stop after N minutes")
     parser.add_argument("--page", action="store_true", help="write the page anew, and run nothing")
     parser.add_argument("rows", nargs="*", metavar="ROW", help="these rows alone: " + ", ".join(row.key for row in ROWS))
     chosen = parser.parse_args()
@@ -113,7 +113,7 @@ def prove(row: Row, size: str, ledger: Ledger, state: str) -> bool:
     if done:
         known[row.title] = summary(row, size, done)
         (FOLDER / f"{row.key}.md").write_text(details(row, done))
-        print(f"   {known[row.title]['cases']} cases, {known[row.title]['far']} of the size", flush=True)
+        print(f"   {known[row.title]['cases']} cases, {known[row.title]['far']} of all cases of size {size}", flush=True)
     if failure:
         known[row.title] = known.get(row.title, dict.fromkeys(FIGURES, "") | {"size": size}) | {"result": "**failed**"}
     PAGE.write_text(written(known))

@@ -87,8 +87,8 @@ ROWS = (
         "nothing",
         (faults("*AllocationSweep*", "*WithoutMemory*", "*NoMemoryAtAll*"),), WHOLE_ROW),
     Row("torture", "Link torture",
-        "Every reply and command is split, delayed, cut, doubled and preceded by a stray byte, at each of its "
-        "bytes: each operation ends as the model says",
+        "Faults occur at each byte of every reply and command: splits, delays, cut links, repetitions and stray "
+        "bytes. Each operation ends as the model says",
         (faults("*LinkTorture*"),), WHOLE_ROW),
     Row("jobs", "Job simulation",
         "Random print jobs run on a simulated printer that never lies, with faults of every kind: no job is "
@@ -96,9 +96,9 @@ ROWS = (
         (seeds("build/bin/simulation_tests", "QUOR_SIMULATED_JOBS", (20_000, 1_000_000, 10_000_000),
                "--gtest_filter=*SimulatedJobs*"),), WHOLE_ROW),
     Row("proofs", "Proof simulation",
-        "Random jobs run on simulated ESC/POS printers with every set of proofs: answers are wrong, another host "
-        "prints before the job, or answers to one job arrive during the next. No job is reported as `printed` "
-        "unless all of it is on paper. The result says how many of the undisturbed jobs are confirmed",
+        "Random jobs run on simulated ESC/POS printers with every set of proofs. If answers are wrong, another "
+        "host prints before the job, or answers to one job arrive during the next, no job is reported as "
+        "`printed` unless all of it is on paper. The result says how many of the undisturbed jobs are confirmed",
         (seeds("build/bin/simulation_tests", "QUOR_SIMULATED_PROOFS", (20_000, 1_000_000, 10_000_000),
                "--gtest_filter=*SimulatedProofs*"),), WHOLE_ROW),
     Row("schedules", "Fault schedules",
@@ -113,8 +113,8 @@ ROWS = (
         "Every operation ends within its limit; an operation without a limit ends when its link ends",
         (faults("TimeBounds.*"),), WHOLE_ROW),
     Row("fuzz", "Fuzzing",
-        "Arbitrary input makes no parser, text function, virtual printer or operation of the port crash, hang or "
-        "overrun",
+        "The parsers, the text functions, the virtual printer and the operations of the port do not crash, hang "
+        "or overrun on arbitrary input",
         (fuzz(PARSERS, (100_000, 10_000_000, 10_000_000)), fuzz(TEXTS, (20_000, 1_000_000, 10_000_000)),
          fuzz(WHOLE, (1_000, 100_000, 1_000_000))), REPLAYS),
     Row("threads", "Threads",
@@ -129,26 +129,28 @@ ROWS = (
               for step in (lifecycle(build, (2_000, 100_000, 100_000), (500, 10_000, 10_000), (5_000, 50_000, 200_000)),
                            exits(build))), NOTHING),
     Row("soak", "Soak",
-        "Tills print in real time over a local socket and a terminal, through a relay that splits, slows, delays "
-        "and cuts the data: no undisturbed job fails, and no descriptor, thread or memory is left",
+        "Tills print in real time over a local socket and a terminal, through a relay that splits, slows and "
+        "delays the data and cuts the link: no undisturbed job fails, and the tills leak no descriptors, threads "
+        "or memory",
         (soak(),), WHOLE_ROW),
     Row("journal", "Jobs under a name",
-        "A process is killed at its system calls and started again, every system call of the database fails, the "
-        "database file is cut short or partly overwritten, and eight tills share job names on a printer whose "
-        "link is cut: no job is on paper twice, and none is reported as `printed` unless it is on paper",
+        "In separate tests, a process is killed at its system calls and started again; every system call of the "
+        "database fails; the database file is truncated or partly overwritten; eight tills share job names on a "
+        "printer whose link is cut. No job is on paper twice, and none is reported as `printed` unless it is on "
+        "paper",
         (processes("kill_sweep_test.py", QUOR_KILL_POINTS=(16, "all", "all")),
          processes("crowd_test.py", QUOR_CROWD_NAMES=(40, 1000, 1000)),
          processes("command_storage_test.py"), tests("build/bin/journal_tests")), WHOLE_ROW),
     Row("machine", "A real kernel",
-        "In a virtual machine, a link over the kernel's driver of USB printers fulfils its duties, even if the "
-        "printer is pulled at each kilobyte of a job, stalls, becomes silent or is in use, and also with two "
-        "printers",
+        "In a virtual machine, a link over the kernel's driver of USB printers fulfils its duties with one "
+        "printer and with two. It does so even if a printer is unplugged at each kilobyte of a job, stalls, "
+        "becomes silent or is in use",
         (Step(("ctest", "--test-dir", "build", "--verbose", "--tests-regex", "^machine/Usb"), {}, booting),),
         "all of it, with `--real`"),
     Row("queues", "Jobs of a queue",
-        "The processes of the print system's back end, or its scheduler, are killed during a job, under every "
-        "error policy, and eight clients share four queues whose printers fail: no job is on paper twice unless a "
-        "person asks for it, and none is completed unless it is on paper",
+        "In separate tests, the print system's scheduler or the processes of its back end are killed during a "
+        "job, with each error policy of the queue; eight clients share four queues whose printers fail. No job is "
+        "on paper twice unless a person asks for it, and none is reported as completed unless it is on paper",
         (queues("crash_test.py", QUOR_CRASH_MOMENTS=(2, 20, 20)), queues("load_test.py", QUOR_QUEUE_JOBS=(40, 200, 1000)),
          queues("time_test.py")),
         "all of it, with `--real`"),
@@ -158,12 +160,13 @@ ROWS = (
         (Step(python("coverage.py", "build-coverage")),), NOTHING),
     Row("mutation", "Mutation",
         "Tests notice random small changes (mutants) of the code in the areas that the result names, drawn with "
-        "seed 1. The result counts apart the changes that no test could notice",
+        "seed 1. The result also shows the number of changes that no test could notice",
         (Step(python("mutation.py", (10, 60, 0)), ends_itself=True),), NOTHING),
     Row("breaks", "Chosen breaks",
-        "Each of twenty deliberate defects, ten in the port and ten in other rooms, makes an ordinary test fail",
+        "Each of twenty deliberate defects, ten in the port and ten in other parts of the code, makes an ordinary "
+        "test fail",
         (Step(python("breaks.py")),), NOTHING),
     Row("audit", "Untrusted input",
-        "All tests pass that [security.md](security.md) names",
+        "All tests that [security.md](security.md) names pass",
         (Step(python("audit.py", "build")),), WHOLE_ROW),
 )
