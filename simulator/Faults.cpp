@@ -200,10 +200,10 @@ struct Form {
 };
 
 constexpr Form commandForms[] = {
-    {FaultKind::ShortWrites, "short-writes", "a count of bytes from 1", parsePositiveCount,
+    {FaultKind::ShortWrites, "short-writes", "a count of bytes, 1 or more", parsePositiveCount,
      "no write takes more than the given count of bytes", countOfBytes},
     {FaultKind::NoSpace, "no-space", "BYTES:MS", parseNoSpace,
-     "after the given count of bytes there is no space for the given time", stall},
+     "after the given count of bytes, the printer takes no data for the given time", stall},
     {FaultKind::LateReply, "late-reply",
      "MS or MS@REPLY, where REPLY is a number or a kind such as process-id", parseLate,
      "each reply is delayed by the given time", delay},
@@ -219,7 +219,8 @@ constexpr Form commandForms[] = {
     {FaultKind::WrongId, "wrong-id", "\"all\" or the number of a reply", parseIdReply,
      "one character of each returned process ID is wrong", oneReply},
     {FaultKind::ForeignReply, "foreign-reply", "\"block\", \"process-id\" or \"in-order\"",
-     parseProof, "a reply of this kind to another host's job is sent first", proofReply},
+     parseProof, "before each reply of the given kind, such a reply to another host's job is sent",
+     proofReply},
     {FaultKind::Silence, "silence", "the number of a reply", parseReplyNumber,
      "the reply with the given number and all later replies are lost", replyNumber},
     {FaultKind::CutAfterIn, "cut-after-in", "BYTES or BYTES:drain|at-once|reset", parseCut,

@@ -38,8 +38,8 @@ LackedCommands LackedCommands::parse(std::string_view text) {
     const Bytes beginning = beginningIn(name);
     if (beginning.empty()) {
       throw std::invalid_argument(
-          "the key lacks takes \"none\" or the beginnings of commands, such as 1b4c+1d286b (two to "
-          "four bytes each, in hex), not " +
+          "the key \"lacks\" takes \"none\" or the first bytes of commands, such as 1b4c+1d286b "
+          "(two to four bytes each, in hex), not " +
           inQuotes(text));
     }
     lacked.beginnings_.push_back(beginning);

@@ -151,7 +151,8 @@ constexpr Setting settings[] = {
            numberFrom<std::uint32_t>("speed", value, "bytes a second, 0 for unlimited");
      },
      [](const State& state) { return std::to_string(state.bytesPerSecond); }},
-    {"buffer", Kind::Number, smallestBuffer, anyNumber, "the bytes that the printer can hold",
+    {"buffer", Kind::Number, smallestBuffer, anyNumber,
+     "the number of bytes that the printer can store",
      [](State& state, Text value) {
        state.setBufferSize(
            numberFrom<std::uint32_t>("buffer", value, "a count of bytes, 16 or more"));
@@ -174,7 +175,7 @@ constexpr Setting settings[] = {
      [] {
        return std::vector<Text>{"58", "80"};
      }},
-    {"proofs", Kind::Text, 0, 0, "the proofs that the printer gives, joined by +",
+    {"proofs", Kind::Text, 0, 0, "how the printer confirms jobs: the names of proofs, joined by +",
      [](State& state, Text value) { state.dialect.proofs = Proofs::parse(value); },
      [](const State& state) { return state.dialect.proofs.text(); }, nullptr,
      [] {

@@ -136,9 +136,9 @@ std::string textOf(std::string_view name) {
     }
   }
   if (name.find('/') == std::string_view::npos) {
-    throw std::invalid_argument("profile takes " + everyName() +
-                                ", or the path of a file with a slash in it, not " +
-                                inQuotes(name));
+    throw std::invalid_argument("the key \"profile\" takes " + everyName() +
+                                ", or the path of a file, such as ./till.profile, not " +
+                                inQuotes(name) + "; a path must contain a slash");
   }
   return readFile(std::string(name));
 }

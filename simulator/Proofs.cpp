@@ -49,7 +49,8 @@ void Proofs::add(std::string_view name, std::string_view text) {
     }
   }
   throw std::invalid_argument(
-      "proofs takes \"block\", \"process-id\" and \"in-order\", joined by +, or \"none\", not " +
+      "the key \"proofs\" takes \"block\", \"process-id\" and \"in-order\", joined by +, or "
+      "\"none\", not " +
       inQuotes(text));
 }
 

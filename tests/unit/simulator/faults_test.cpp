@@ -327,8 +327,8 @@ TEST(InjectedFaults, TheErrorOfAWrongValueNamesTheFaultAndTheAllowedValues) {
     const char* value;
     const char* takes;
   } cases[] = {
-      {"short-writes", "0", "from 1"},
-      {"short-writes", "many", "from 1"},
+      {"short-writes", "0", "1 or more"},
+      {"short-writes", "many", "1 or more"},
       {"no-space", "100", "BYTES:MS"},
       {"no-space", "x:100", "BYTES:MS"},
       {"late-reply", "", "MS or MS@REPLY"},
