@@ -100,7 +100,7 @@ def main(words: list[str]) -> int:
     commands = sources(lint.build)
     due = {source: command for source, command in commands.items()
            if "--all" in words or not lint.passed_before(source, command)}
-    print(f"{len(due)} of {len(commands)} sources to read")
+    print(f"checking {len(due)} of {len(commands)} sources")
     with ThreadPoolExecutor(os.cpu_count()) as pool:
         results = list(pool.map(lint.passes, due.keys(), due.values()))
     return 0 if all(results) else 1

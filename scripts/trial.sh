@@ -50,7 +50,7 @@ echo "127.0.0.1 localhost" >"$root/etc/hosts" # as an installer does
 cp -r scripts/trial "$root/trial"
 mkdir "$root/trial/packages"
 cp "$folder"/*.deb "$folder"/*.whl "$root/trial/packages"
-step "the packages and the tools of a developer installed" inside \
+step "installation of the packages and of a developer's tools" inside \
   "rm -f packages/*-dbgsym_*; apt-get install --quiet --yes --no-install-recommends ${tools[*]} ${optional[*]} ./packages/*.deb"
 for trial in "${trials[@]}"; do
   step "$(claim_of "$trial")" inside --net "ip link set lo up; timeout $longest bash -euo pipefail $trial.sh"
