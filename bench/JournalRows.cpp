@@ -26,7 +26,7 @@ namespace {
 constexpr int jobs = 100;
 const ByteBuffer receipt(450, 'x');
 
-/// A folder on the disk of the current folder. This disk must not be in memory, because files in
+/// A temporary folder in the current folder. The current folder must be on a disk, because files in
 /// memory are never synced.
 class Folder {
  public:
@@ -128,9 +128,9 @@ struct Cost {
   double jobsASecond;
 };
 
-/// Records each job twice: through the journal, and directly through SQLite. Both are measured in
-/// turn, job by job. A disk that other programs use can be slow for seconds, and this must affect
-/// both measurements alike.
+/// Records each job twice: through the journal, and directly through SQLite. The two are measured
+/// alternately, job by job. A disk that other programs use can be slow for seconds, and this must
+/// affect both measurements alike.
 void measureOnce(Pairs<Cost>& pairs) {
   const Folder folder;
   const Folder bareFolder;

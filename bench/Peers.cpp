@@ -37,7 +37,8 @@ double read(FILE* output) {
   return seconds;
 }
 
-/// Calls `measure` with an endpoint whose printer answers every connection.
+/// Calls `measure` with the TCP port of a printer that answers on every connection. Returns the
+/// measured time in microseconds.
 template <typename Measure>
 double microsecondsAt(Measure measure) {
   const auto endpoint = makeEndpoint(Medium::Tcp);
@@ -48,8 +49,8 @@ double microsecondsAt(Measure measure) {
   return seconds * microsecond;
 }
 
-/// Returns the time that the script prints. The script measures each status query, so its own start
-/// does not count.
+/// Returns the time that the script prints. The script measures each status query, so the start of
+/// the script does not count.
 double secondsOfScript(const std::string& port) {
   return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
 }

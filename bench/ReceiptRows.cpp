@@ -86,7 +86,7 @@ void exchange(BareLink& bare, const std::vector<ReceiptPrinter::Turn>& turns) {
   }
 }
 
-/// Returns the seconds from the start of `run` until the printer receives the first byte.
+/// Prints `data`. Returns the time in seconds until the printer receives the first byte of `data`.
 double secondsToFirstByte(Counters& counters, std::span<const std::uint8_t> data) {
   const auto start = std::chrono::steady_clock::now();
   print(counters.port, data);
