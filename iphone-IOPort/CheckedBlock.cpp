@@ -261,8 +261,8 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     }
     QUOR_LOG(ZKLogTypeProcess, 0, "topByte: %d", *topByte);
     if (*topByte == reportStart) {
-      // Each pass of the loop reads one report. If a second report arrives in place of the status
-      // byte, the test below fails.
+      // Each pass of the loop reads one report. If a second report arrives instead of the status
+      // byte, its first byte fails the test for a status byte below.
       if (!readReport(etbCountUp) || !(topByte = awaitByte(wait))) {
         return false;
       }

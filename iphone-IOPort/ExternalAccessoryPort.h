@@ -128,7 +128,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   std::int32_t write(const ByteBuffer& data);
 
   /// Says whether the printer may answer the bytes of a write. After a write with `None`, later
-  /// operations send their queries at once and do not first wait for an answer to this write.
+  /// operations send their queries without first waiting for an answer to this write.
   enum class Reply { Possible, None };
 
   /// Works as `write(const ByteBuffer&)`, but takes bytes from any memory, for example a part of a
@@ -259,13 +259,13 @@ class QUOR_EXPORT ExternalAccessoryPort
   bool enterATMode();
 
   /// Waits for the module's reply. Returns "\r\nERROR\r\n" if the module replies with an error. If
-  /// the module replies with OK and `settingTitle` is null, returns "\r\nOK\r\n". If it replies
-  /// with OK and there is a title, returns the title and the `settingLength` characters after it; a
-  /// length of 0 means all characters after the title. Returns null if the link is lost, or if no
-  /// result arrived within `timeoutMillis`. This time is rounded down to whole seconds; less than
-  /// one second counts as one. A result line that arrives in two reads is not recognised. Throws
-  /// std::out_of_range if an OK reply does not contain the title and `settingLength` characters
-  /// after it, or if `settingLength` is negative.
+  /// the module replies with OK and `settingTitle` is null, returns "\r\nOK\r\n". If the module
+  /// replies with OK and `settingTitle` is not null, returns the title and the `settingLength`
+  /// characters after the title; a length of 0 means all characters after the title. Returns null
+  /// if the link is lost, or if no result arrived within `timeoutMillis`. This time is rounded down
+  /// to whole seconds; less than one second counts as one. A result line that arrives in two reads
+  /// is not recognised. Throws std::out_of_range if an OK reply does not contain the title and
+  /// `settingLength` characters after it, or if `settingLength` is negative.
   std::optional<std::string> getPrinterResponseWithSettingTitle(
       std::optional<std::string> settingTitle, std::int32_t settingLength,
       std::int32_t timeoutMillis);
