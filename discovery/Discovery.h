@@ -19,8 +19,8 @@ struct DiscoveryRoots {
 struct Discovery {
   std::vector<FoundDevice> devices;
 
-  /// One text for each kind of device that could not be searched for. The text gives the reason to
-  /// a person.
+  /// One text for each kind of device that could not be searched for. Each text gives the reason,
+  /// for people.
   std::vector<std::string> unsearched;
 };
 

@@ -142,8 +142,8 @@ class HandheldThread final : public NSThread {
     }
   }
 
-  /// The framework throws if the thread ends before it has run the routine. The exception is
-  /// ignored, because `carried` shows that the routine has not run.
+  /// The framework throws an exception if the thread ends without running the routine. The
+  /// exception is ignored, because `carried` shows that the routine has not run.
   static void carry(Routine& carried, ::NSThread* thread) {
     @autoreleasepool {
       const auto carrier =

@@ -92,7 +92,7 @@ class Descriptor {
 
   int number_;
   Kind kind_;
-  int idleOutputCount_ = 0;  // the count that the system reports if no bytes are under way
+  int idleOutputCount_ = 0;  // the result of `outputCount` if all sent bytes have arrived
   bool isPatient_;           // true if a receiving system call may wait briefly
   void (*beforeClose_)(int number) = nullptr;
 };

@@ -68,8 +68,8 @@ class Link {
   /// Blocks until there are bytes, the link is lost or `seconds` have passed.
   void waitForBytes(double seconds);
 
-  /// Returns true if a write would take at least one byte, or would fail at once because the link
-  /// is lost.
+  /// Returns true if a write would take at least one byte, or would fail without waiting because
+  /// the link is lost.
   bool hasSpace();
 
   /// Sets whether the other side can answer the bytes of later writes; initially it can.
@@ -118,7 +118,7 @@ class Link {
 
   bool mayBeFull_ = false;     // true if the last write was long or was taken only in part
   bool outputBroken_ = false;  // true if a write has failed or the other side no longer answers
-  bool abandoned_ = false;     // true if `release` need not wait for the bytes under way
+  bool abandoned_ = false;     // true if `release` must return without waiting
 
   Tick nextSilenceLook_{};  // the next time to ask the system whether the other side still answers
 };
