@@ -15,7 +15,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 // The size of the largest job in bytes. This is far more than any receipt has, but little enough
 // for the machine's memory.
-constexpr std::size_t largestJob = std::size_t{64} << 20U;
+constexpr std::size_t largestDocument = std::size_t{64} << 20U;
 constexpr std::size_t pieceSize = std::size_t{64} << 10U;
 
 std::string optionOf(const pappl_pr_options_t& options, const char* name, const char* usual) {
@@ -44,7 +44,7 @@ Document::Document(pappl_job_t* job, const pappl_pr_options_t& options, Kind kin
 }
 
 void Document::reserve(std::size_t bytes) {
-  bytes_.reserve(bytes_.size() + std::min(bytes, largestJob));
+  bytes_.reserve(bytes_.size() + std::min(bytes, largestDocument));
 }
 
 render::Output Document::output() {
@@ -75,7 +75,7 @@ const Bytes& Document::end(int copies) {
 }
 
 void Document::append(render::ByteView bytes) {
-  if (bytes.size() > largestJob - bytes_.size()) {
+  if (bytes.size() > largestDocument - bytes_.size()) {
     throw render::RenderError("the job is larger than 64 MiB");
   }
   bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
@@ -96,7 +96,7 @@ void readDocument(pappl_job_t* job, const render::Output& take) {
 Bytes wholeDocument(pappl_job_t* job) {
   Bytes contents;
   readDocument(job, [&contents](render::ByteView piece) {
-    if (piece.size() > largestJob - contents.size()) {
+    if (piece.size() > largestDocument - contents.size()) {
       throw render::RenderError("the document is larger than 64 MiB");
     }
     contents.insert(contents.end(), piece.begin(), piece.end());
