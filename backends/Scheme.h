@@ -42,7 +42,7 @@ struct OpenCause {
 struct SchemeVariant {
   DeviceSpec spec;    ///< describes the device and the setting
   std::string words;  ///< the setting, in words: "at 9600 baud"
-  std::string keys;   ///< the keys that select the setting: ",baud=9600"
+  std::string keys;   ///< the keys that select the setting: "baud=9600"
 
   /// The name of the fault that `doctor` reports if the device answers with this setting and with
   /// no other setting.

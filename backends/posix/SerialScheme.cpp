@@ -144,7 +144,7 @@ std::string keysOf(const Options& wanted, const Options& given) {
   std::string text;
   for (const auto& option : wanted) {
     if (std::find(given.begin(), given.end(), option) == given.end()) {
-      text += "," + option.first + "=" + option.second;
+      text += (text.empty() ? "" : ",") + option.first + "=" + option.second;
     }
   }
   return text;

@@ -153,8 +153,8 @@ class Examination {
       diagnosis_.findings.push_back(failedExchange(
           variant.cause,
           "the printer answers " + variant.words + ", but was asked " + variants().front().words,
-          "write " + variant.keys +
-              " after the path, or set the printer to the values with which it was asked"));
+          "set " + variant.keys +
+              " in the device, or set the printer to the values with which it was asked"));
     }
     if (emulation != options_.emulation && options_.emulation != ZKEmulationUnknown) {
       const EmulationName found = nameOf(emulation);
