@@ -11,7 +11,7 @@ Bytes everyValue() {
   return bytes;
 }
 
-TEST_P(LinkContract, ANewSessionIsConnectedWithNoBytesToReadAndSpaceToWrite) {
+TEST_P(LinkContract, ANewSessionHasSpaceToWriteAndNoBytesToRead) {
   EXPECT_TRUE(accessory->isConnected());
   EXPECT_FALSE(input->hasBytesAvailable());
   EXPECT_TRUE(output->hasSpaceAvailable());
