@@ -40,7 +40,7 @@ class ReceiptPrinter {
   /// Begins the record of a new job.
   void forget();
 
-  /// Returns the bytes and answers since the last `forget`.
+  /// Returns the bytes that the printer received, and its answers, since the last `forget`.
   std::vector<Turn> turns() const;
 
   /// Returns the time at which the first byte of the last receipt arrived.

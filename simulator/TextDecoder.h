@@ -35,7 +35,8 @@ class TextDecoder {
   /// later bytes cannot change them.
   DecodedText put(std::uint8_t byte);
 
-  /// Returns the remaining characters. To be called before anything that is not text.
+  /// Returns the remaining characters. The caller must call this function before it handles a byte
+  /// that is not text.
   DecodedText finish();
 
   /// Executes the command 1b 74: selects a code page. Returns false, and changes nothing, if the
