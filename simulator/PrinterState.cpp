@@ -218,7 +218,7 @@ constexpr Setting settings[] = {
     {"serialNumber", Kind::Text, 0, longestText, "the serial number that the printer reports",
      [](State& state, Text value) { state.setSerialNumber(value); },
      [](const State& state) { return state.serialNumber(); }},
-    {"modelId", Kind::Number, 0, 255, "the number of the model",
+    {"modelId", Kind::Number, 0, 255, "the model number",
      [](State& state, Text value) {
        state.modelId = numberFrom<std::uint8_t>("modelId", value, "a number from 0 to 255");
      },

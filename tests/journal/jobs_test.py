@@ -43,7 +43,7 @@ class NamedJobs(Case):
         simulator = self.simulator()
         self.print_job(simulator.place, "one")
         result = run("-d", simulator.place, "print", "-", "--job", "one", "--journal", self.journal, data=RECEIPT)
-        self.assertIn("printed: already printed in attempt 1; nothing was sent now", result.out)
+        self.assertIn("printed: already printed in attempt 1; this time nothing was sent", result.out)
 
     def test_repeating_a_printed_job_succeeds_even_without_its_printer(self):
         simulator = self.simulator()

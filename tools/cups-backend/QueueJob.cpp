@@ -122,7 +122,7 @@ QueueJob::Verdict QueueJob::answered(NamedJob& named, const JobBlock& block) {
     return hold(named, known.result);
   }
   with_.lines.note("already printed in attempt " + std::to_string(known.attempt) +
-                   "; nothing was sent now");
+                   "; this time nothing was sent");
   return confirm(block, known.result);
 }
 

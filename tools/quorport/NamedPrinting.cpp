@@ -93,7 +93,7 @@ void NamedPrinting::addTo(Report& report) const {
   report.json["repeated"] = result.isRepeated;
   if (result.isRepeated) {
     report.text = "printed: already printed in attempt " + std::to_string(result.attempt) +
-                  "; nothing was sent now\n";
+                  "; this time nothing was sent\n";
   }
   if (!result.notRecorded.empty()) {
     complain("the outcome could not be recorded: " + printable(result.notRecorded),

@@ -143,12 +143,11 @@ void addGlobalOptions(CLI::App& app, Options& options) {
 
 void addStatusOptions(CLI::App& app, Options& all) {
   StatusOptions& options = all.status;
-  addText(
-      app, "--level", "N",
-      "a number that is only written to the log, as the level of the status request (default 0)",
-      [&options](const std::string& text) {
-        options.level = number(text, {0, longestTime}, "a number");
-      });
+  addText(app, "--level", "N",
+          "the level that the log shows for the status request; it has no other effect (default 0)",
+          [&options](const std::string& text) {
+            options.level = number(text, {0, longestTime}, "a number");
+          });
   app.add_flag("-v,--verbose", options.verbose, "show every field, even if it is empty");
 }
 
