@@ -178,6 +178,9 @@ TEST_F(BluetoothConnection, CanBeMadeAgainAfterTheBluetoothServiceRestarts) {
 }
 
 TEST_F(BluetoothConnection, LeavesNoDescriptorAndNoThreadAfterAThousandSessions) {
+#if defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizer has a thread of its own";
+#endif
   const StandInBluetooth service(plan());
   { const posix::Descriptor first = connectBluetooth(address); }
   ASSERT_TRUE(test::eventually([] { return countOf("/proc/self/task") == 2; }));
@@ -191,6 +194,9 @@ TEST_F(BluetoothConnection, LeavesNoDescriptorAndNoThreadAfterAThousandSessions)
 }
 
 TEST_F(BluetoothConnection, WorksInAChildProcessThatWasForkedDuringASession) {
+#if defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "the sanitizer allows no new thread in a forked process";
+#endif
   const StandInBluetooth service(plan());
   const posix::Descriptor connection = connectBluetooth(address);
   const posix::Descriptor printer(printer_.exchange(-1), posix::Descriptor::Kind::Socket);
