@@ -2,8 +2,9 @@
 
 import signal
 import time
+import unittest
 
-from harness import main
+from harness import IS_SANITIZED, main
 from queues import RECEIPT, QueueCase, eventually, ipp, least, printed
 
 
@@ -74,6 +75,7 @@ class Refused(QueueCase):
         self.assertSettles(job, "completed")
         self.assertEqual(self.copies(printer), 1)
 
+    @unittest.skipIf(IS_SANITIZED, "a sanitizer takes time")
     def test_a_waiting_job_is_canceled_within_a_second(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
