@@ -65,8 +65,9 @@ class Jobs(Application):
 
     def test_a_job_that_a_user_holds_is_printed_after_its_release(self):
         self.printer.set(coverOpen=True)
-        first, held, last = (self.print(b"job %d\n" % number) for number in range(3))
+        first = self.print(b"job 0\n")
         self.await_message("waiting: cover open", first)
+        held, last = self.print(b"job 1\n"), self.print(b"job 2\n")
         self.client.on_job(ipp.HOLD_JOB, held)
         self.printer.set(coverOpen=False)
         self.await_state("completed", last)
