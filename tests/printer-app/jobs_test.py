@@ -6,6 +6,7 @@ from documents import apple, page, pwg
 from harness import eventually, main
 
 ANY = "application/octet-stream"
+CLOSED = "Closing connection from"  # in the application's log
 PAGE = page(639, 320, 80, 40)
 TEXT = "Café 2,40 €\nTotal 2.40\n".encode()
 
@@ -96,11 +97,15 @@ class PrinterConditions(Application):
 
 
 class DisconnectedClient(Application):
-    """Clients that disappear while they send a document."""
+    """Clients that disappear while they send a document. The tests wait in the log until the application has aborted the
+    job. Otherwise they could meet a defect of the framework: it can wait for ever if it saves its jobs, as before each
+    answer, while it aborts another job."""
 
     def check(self, contents: bytes, kind: str, *sent: int):
         for count in sent:
+            before = self.log().count(CLOSED)
             self.client.leave_in_upload(contents, kind, count)
+            eventually(lambda: self.log().count(CLOSED) > before, "the connection is closed")
         self.await_state("completed", self.print(b"the next one\n", RAW))
         eventually(lambda: set(self.client.jobs().values()) <= {"completed", "aborted"}, "nothing hangs")
         self.assertEqual(self.printed(1), ["the next one\n"])
@@ -119,7 +124,8 @@ class DisconnectedClient(Application):
     def test_the_document_of_a_silent_client_is_aborted(self):
         self.restart("upload-timeout=1")
         with self.client.begin_upload(pwg(PAGE), "image/pwg-raster", len(pwg(PAGE)) - 1):
-            eventually(lambda: self.client.jobs() == {1: "aborted"}, "the client is given up")
+            eventually(lambda: "status-code=server-error-internal-error" in self.log(), "the client is given up")
+            self.assertEqual(self.client.jobs(), {1: "aborted"})
             self.check(b"", "text/plain")
 
 
