@@ -50,8 +50,9 @@ struct SchemeVariant {
 };
 
 /// A scheme: all data about one way to reach devices. A device text, `SCHEME:PLACE,key=value`,
-/// names a scheme, the place of a device and keys (see `DeviceSpec`). The table of all schemes is
-/// in `backends/Schemes.cpp`. The program `quorport` takes its help, its shell completion and its
+/// names a scheme, the place of a device and keys (see `DeviceSpec`). The place is the address of
+/// the device in this scheme, for example a host and a port. The table of all schemes is in
+/// `backends/Schemes.cpp`. The program `quorport` takes its help, its shell completion and its
 /// advice on failures from this table.
 ///
 /// A scheme is defined as `constinit const Scheme scheme = {.name = "tcp", ...}`. Members with a
@@ -79,7 +80,7 @@ struct Scheme {
   /// `virtual:coverOpen=true`.
   std::string_view moreKeys = {};
 
-  /// The default name of the accessory if the device text has no place.
+  /// The default name of the accessory if PLACE is empty, as in the device text `virtual:`.
   std::string_view nameWithoutPlace = {};
 
   /// Returns the place that a person means by `text`, a device text without a scheme; nullopt if

@@ -28,9 +28,9 @@ class HandheldPlatform final : public Platform {
   /// time, even if the loop has nothing to do.
   NSRunLoop& currentRunLoop() override;
 
-  /// Returns a thread of the framework, which accepts routines until its body has ended. The
-  /// thread's run loop has an event source of its own, because a loop without an event source
-  /// returns at once.
+  /// Returns a thread of the framework. Other threads can run routines on this thread until `body`
+  /// has ended (see `NSThread::performAndWait`). The thread's run loop has an event source of its
+  /// own, because a loop without an event source returns immediately.
   std::shared_ptr<NSThread> makeThread(std::function<void()> body) override;
 
   bool isMainThread() override;

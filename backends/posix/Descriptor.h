@@ -68,10 +68,10 @@ class Descriptor {
   /// descriptor cannot report this.
   bool hasUnderWay() const;
 
-  /// Returns for how long the other side has acknowledged nothing. Returns zero until the system
-  /// has asked the other side at least twice in vain, by a probe or by sending bytes again. Returns
-  /// zero while the other side answers that it has no space, and if this kind of descriptor cannot
-  /// report the time.
+  /// Returns for how long the other side has acknowledged nothing. Returns zero if fewer than two
+  /// of the system's probes and repeated transmissions are unanswered. So the result is zero while
+  /// the other side answers the probes, even if it has no space. Also returns zero if this kind of
+  /// descriptor cannot report the time.
   std::chrono::milliseconds silence() const;
 
   /// Returns why a USB printer does not print, for example "paper out", as a text for people. The

@@ -114,7 +114,7 @@ class Link {
   bool beingWaited_ = false;  // true if a waiting thread may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;
-  bool cameSinceWrite_ = false;  // true if bytes arrived after the last answerable write
+  bool cameSinceWrite_ = false;  // true if bytes arrived after the last write that may be answered
 
   bool mayBeFull_ = false;     // true if the last write was long or was taken only in part
   bool outputBroken_ = false;  // true if a write has failed or the other side no longer answers

@@ -100,8 +100,8 @@ UsbPrinter UsbAccessory::find() {
 }
 
 // Searches for the printer that was found before; returns null if it is not plugged in. Some makers
-// give all their printers the same serial number. Once two such printers have been found, only
-// their nodes distinguish them.
+// give all their printers the same serial number. After two such printers were found, only their
+// nodes distinguish them.
 std::optional<UsbPrinter> UsbAccessory::findAgain() {
   std::vector<UsbPrinter> same = known_ ? usbPrinters(roots_) : std::vector<UsbPrinter>();
   std::erase_if(same, [this](const UsbPrinter& one) { return !one.isSameDevice(*known_); });

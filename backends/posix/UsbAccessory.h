@@ -30,8 +30,9 @@ Descriptor::Kind usbKindOf(int number);
 class UsbAccessory : public LinkAccessory {
  public:
   /// `place` selects the printer, as described at `findUsbPrinter`. After the first search the
-  /// printer is recognised by its texts, even if its device node has changed, unless another
-  /// printer has the same texts.
+  /// printer is recognised by its model and serial number, even if its device node has changed. If
+  /// it has no serial number, or if another printer with the same model and serial number was ever
+  /// found, it is recognised only at the same node.
   UsbAccessory(AccessoryIdentity identity, std::string place, UsbRoots roots = {});
 
   std::optional<std::string> name() override;
@@ -53,7 +54,9 @@ class UsbAccessory : public LinkAccessory {
   const UsbRoots roots_;
   std::mutex mutex_;                 // guards the members below
   std::optional<UsbPrinter> known_;  // the printer as it was found last
-  bool hasTwin_ = false;             // true if another printer with equal texts was ever found
+
+  // True if another printer with the same model and serial number was ever found.
+  bool hasTwin_ = false;
 };
 
 }  // namespace quordalvane::posix

@@ -59,8 +59,8 @@ std::string fileOf(const DeviceSpec& spec) {
 
 std::shared_ptr<EAAccessory> make(const DeviceSpec& spec, AccessoryIdentity identity,
                                   Clock& /*clock*/) {
-  // If the device text gives no name, the name is equal to the place. The printer's own name is
-  // better, so this default is removed.
+  // If the device text gives no name, the name is equal to `spec.place` by default. The name that
+  // the printer reports is better, so this default is removed.
   if (identity.name == spec.place) {
     identity.name = std::nullopt;
   }
