@@ -5,8 +5,8 @@
 
 namespace quordalvane::bench {
 
-/// One end of a connection that uses only direct system calls. The times of such a link are the
-/// limit that a library can reach.
+/// One side of a connection that uses only direct system calls. No library can be faster, so the
+/// report compares our times with the times of such a link.
 class BareLink {
  public:
   /// Takes over a connected descriptor and makes it non-blocking.

@@ -1,4 +1,4 @@
-// Rows that measure megabytes of print data and of replies.
+// Measures how fast a port sends megabytes of print data, and how fast it reads long replies.
 
 #include <sys/eventfd.h>
 #include <sys/syscall.h>
@@ -57,7 +57,7 @@ class DrainingPeer {
   Peer peer_;
 };
 
-/// A port and a bare link, each of which prints to a draining peer of its own.
+/// A port and a bare link. Each sends to a `DrainingPeer` of its own.
 struct Drains {
   explicit Drains(Medium medium)
       : peer(Core::First),

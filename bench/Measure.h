@@ -19,16 +19,16 @@ double lowest(const Figures& figures);
 double highest(const Figures& figures);
 double sum(const Figures& figures);
 
-/// The results of our code, and of the limit with which our code is compared. Results with the same
-/// index are a pair; they were measured at nearly the same time.
+/// The results of our code (`ours`), and of other code for comparison (`limit`), for example a bare
+/// link. Results with the same index are a pair; they were measured at nearly the same time.
 template <typename Result>
 struct Pairs {
   std::vector<Result> ours;
   std::vector<Result> limit;
 };
 
-/// Measures our code and the limit alternately. Each pair begins with the one that was second in
-/// the previous pair, so that other work on the machine affects both alike.
+/// Measures our code and the other code alternately. Each pair begins with the code that was
+/// second in the previous pair, so that other work on the machine affects both alike.
 template <typename Ours, typename Limit>
 auto alternate(Ours measureOurs, Limit measureLimit) {
   Pairs<std::invoke_result_t<Ours>> pairs;

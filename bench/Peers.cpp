@@ -45,7 +45,7 @@ double microsecondsAt(Measure measure) {
   Peer peer(Core::First);
   peer.answerAll(*endpoint);
   const double seconds = measure(std::to_string(tcpPort(*endpoint)));
-  ::close(endpoint->connect());  // this connection without a byte makes the peer end
+  ::close(endpoint->connect());  // a connection that sends no byte ends `answerAll`
   return seconds * microsecond;
 }
 

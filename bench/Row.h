@@ -17,15 +17,15 @@ struct Heading {
   std::string unit;
 };
 
-/// The spread of the ratios. Each pair of measurements has one ratio: our result divided by the
-/// limit.
+/// The spread of the ratios. Each pair of measurements (see `Pairs`) has one ratio: our result
+/// divided by the result of the other code.
 struct Spread {
   double median;
   double lowest;
   double highest;
 };
 
-/// One line of the report: our figure, and the limit with which this figure is compared.
+/// One line of the report: our figure, and the figure with which it is compared (`limit`).
 struct Row {
   Heading heading;
   double ours = 0;
@@ -34,7 +34,7 @@ struct Row {
   // The figures of other ways to do the same work, in the row's unit.
   std::map<std::string, double> peers = {};
 
-  /// Returns our figure divided by the limit; 1 if both are zero.
+  /// Returns `ours` divided by `limit`; 1 if both are zero.
   double ratio() const { return ours == limit ? 1 : ours / limit; }
 };
 
@@ -42,8 +42,8 @@ using Rows = std::vector<Row>;
 
 enum class Best { Lowest, Highest };
 
-/// Returns a row with our best result and the limit's best result, each multiplied by `scale`, and
-/// with the spread of the ratios.
+/// Returns a row with the best result of our code, the best result of the other code, and the
+/// spread of the ratios. Both results are multiplied by `scale`.
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale = 1);
 
 /// How a cost grows with the amount of work; one line for each amount.

@@ -89,9 +89,9 @@ void report(const Options& options, const Rows& rows) {
 }
 
 /// Raises the priority of this process. Otherwise other work on the machine would lengthen the
-/// longest of a thousand calls. The other figures do not need this: the library and the limit are
-/// measured alternately, and other work affects both measurements alike. The system may refuse a
-/// higher priority to an ordinary user.
+/// longest of a thousand calls. The other figures do not need this: our code and the code for
+/// comparison are measured alternately, and other work affects both measurements alike. The system
+/// may refuse a higher priority to an ordinary user.
 void standBackForNobody() {
   ::setpriority(PRIO_PROCESS, 0, -20);
 }
