@@ -1,5 +1,5 @@
-// A printer with a data time-out drops bytes that arrive too late, and all later bytes, until a
-// block ends.
+// Jobs with a data time-out. If no byte of a job arrives for so long, the printer drops the data
+// that it holds. It also drops all later bytes, until it receives the command "data-cancel end".
 
 #include <gtest/gtest.h>
 

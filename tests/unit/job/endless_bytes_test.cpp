@@ -102,7 +102,8 @@ TEST_P(PrinterThatNeverStopsSending, CannotDelayAJobBeyond25SecondsOrConfirmTheJ
   }
 }
 
-// Only a pattern that equals the status of a printer after both end marks confirms the job.
+// Only `signInEscPos` confirms the job, and only in ESC/POS: with these bytes, a printer reports
+// that it has reached the marks before and after the data.
 TEST_P(PrinterThatNeverStopsSending, CannotDelayTheEndOfAJobBeyond25Seconds) {
   const test::Bytes data = test::ascii("receipt\n");
   PrintResult result;

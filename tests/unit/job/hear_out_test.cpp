@@ -13,8 +13,7 @@ namespace {
 
 using std::chrono::seconds;
 
-/// Calls `hearOut` for a port to a virtual printer with the given faults. The question is the
-/// request of the in-order proof.
+/// Calls `hearOut` on a link with the given faults to a virtual printer, and measures the time.
 class Hearing : private TransferObserver {
  public:
   explicit Hearing(simulator::Faults faults = {}) {

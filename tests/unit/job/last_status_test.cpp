@@ -25,8 +25,9 @@ test::Bytes statusOf(std::uint8_t count, int flag = -1) {
   return block;
 }
 
-/// Prints a job. The printer is ready and counts the mark before the data. After that, it sends the
-/// answers in `last`, one after the other.
+/// Prints a job on a printer that is ready. Before the data, the job sends a mark, and the
+/// printer's status shows that it has counted this mark. After the data, the printer sends the
+/// answers in `last`, one after the other, and repeats the last one.
 PrintResult printOn(const std::vector<test::Bytes>& last) {
   Script script;
   for (const int count : {0, 0, 0, 1}) {

@@ -139,8 +139,8 @@ TEST_P(InBothEmulations, AnEndMarkInTheDataDoesNotConfirmTheJob) {
   ByteBuffer data = receiptText;
   data.insert(data.begin() + 5, {0x17, 0x17, 0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00});
   Till till(PrinterBuilder().speed(10), {.emulation = GetParam()});
-  // The printer stops for ever after it has processed the end marks in the data, and before it has
-  // processed all data.
+  // A mechanical error stops the printer for good. At that time it has processed the end marks in
+  // the data, but not the whole data.
   till.after(milliseconds(2500), "mechError", true);
   const PrintResult result = till.print(data);
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);

@@ -25,8 +25,8 @@ class StatementHook {
   StatementHook(const StatementHook&) = delete;
   StatementHook& operator=(const StatementHook&) = delete;
 
-  /// Calls `action` once, before or after the next statement that contains the text, on the thread
-  /// that runs the statement.
+  /// Calls `action` once: before or after the next statement that contains the text given to the
+  /// constructor. The thread that runs the statement calls it.
   void callOnce(std::function<void()> action) { wanted().action = std::move(action); }
 
   bool hasCalled() const { return !wanted().action; }

@@ -91,7 +91,8 @@ TEST(BeginBlockInLineMode, FailsIfTheLinkIsLostBeforeTheWaitForTheCounter) {
 
 TEST(BeginBlockInLineMode, LogsALostConnectionWithTheResultOfASecondCheck) {
   Scenario scenario = lineModePrinter();
-  std::vector<bool> answers(6 + 2, true);  // checks of the first status and of the reset
+  // The first status checks the connection six times, and the reset of the counter twice.
+  std::vector<bool> answers(6 + 2, true);
   answers.push_back(false);
   answers.push_back(true);
   scenario.script.saysConnected(answers);

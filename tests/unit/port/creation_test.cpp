@@ -65,7 +65,8 @@ TEST_F(NewPort, IsNullIfThereIsNoPlatform) {
   )"));
 }
 
-/// A platform that cannot make or start a thread for a port of the main thread.
+/// A platform that reports every thread as the main thread, so that a new port needs a port thread.
+/// If `makes` is true, this thread can be made but not started; otherwise it cannot be made.
 class WithoutThreads : public ForwardingPlatform {
  public:
   WithoutThreads(std::shared_ptr<Platform> next, bool makes)

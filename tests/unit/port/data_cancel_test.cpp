@@ -30,8 +30,8 @@ TEST_P(DataCancel, FailsIfTheCommandIsWrittenOnlyInPart) {
   Scenario scenario = Scenario::in(GetParam());
   scenario.script.takesInAttempts({4, 0}).isLostAfterBytes(4);
   EXPECT_EQ(scenario.run(startDataCancel()).result, "false");
-  // The link takes 2 of 6 bytes, then 2 of the remaining 4. The sum is the length of the rest, not
-  // of the command.
+  // The link takes 2 of the 6 bytes, then 2 of the remaining 4. The port stops now, because the
+  // number of bytes sent equals the number of bytes offered in the last attempt: both are 4.
   scenario.script = Script().takesInAttempts({2, 2});
   EXPECT_EQ(scenario.run(startDataCancel()).result, "false");
 }

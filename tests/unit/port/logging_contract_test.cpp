@@ -116,7 +116,8 @@ TEST(LoggingContract, DescriptionsAreMadeIfLoggingIsOn) {
   EXPECT_GT(descriptionsMade(), descriptions);
 }
 
-/// Switches logging on or off in the first step of `write:`, its call of `ignoreSigPipe`.
+/// Switches logging on or off between two log statements of `write:`, when it calls
+/// `ignoreSigPipe`.
 class SwitchesLogging : public ForwardingPlatform {
  public:
   SwitchesLogging(std::shared_ptr<Platform> next, bool on)

@@ -203,8 +203,8 @@ TEST(RetryingWriter, FailsIfTheLinkIsLostBetweenTwoAttempts) {
 
 /// The expected progress of a command. `total` is the number of bytes that all attempts have sent.
 /// If `total` equals the size of `rest`, the command is done. If `total` is smaller, `rest` loses
-/// its first `total` bytes, even if the last attempt has sent fewer. So bytes can be skipped, but
-/// the contract requires this.
+/// its first `total` bytes, even if the last attempt has sent fewer. So some bytes may never be
+/// sent. The comment on `writeWithRetry` says why the port keeps this behaviour.
 struct Progress {
   Bytes rest;
   Bytes sent{};

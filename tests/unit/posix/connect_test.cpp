@@ -41,7 +41,7 @@ std::pair<double, std::string> connectUntilSilent(Connect connect) {
   return {0, "the listener took everyone"};
 }
 
-// An address at which a program listened a moment ago, and no program listens now.
+// Returns a TCP port at which no program listens, because its listener has just been closed.
 std::uint16_t closedPort() {
   return Listener::onLoopback(1).port();
 }

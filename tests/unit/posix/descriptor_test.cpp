@@ -25,7 +25,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double atOnce = 20;  // seconds; a wait that misses its event lasts an hour
+// A wait that ends immediately takes fewer seconds than this. A wait that misses its event lasts an
+// hour.
+constexpr double atOnce = 20;
 
 SteadyTime inAnHour() {
   return SteadyClock::now() + 1h;
