@@ -107,8 +107,8 @@ class Signals(Case):
             self.assertTrue(closed.wait(DEADLINE), "the port is closed")
 
     def test_a_signal_ends_a_query_whose_write_repeats_without_end(self):
-        """If the port counts the bytes of a command wrongly, it sends the rest of the command without end. In some
-        cases here the link accepts the rest each time, in others never."""
+        """If the port counts the bytes of a command wrongly, it sends the rest of the command without end. With
+        some of the faults below, the link accepts the rest each time; with the others, it never accepts the rest."""
         log = self.folder / "log"
         for command, faults in (("dipswitch", "no-space=4:120"), ("dipswitch", "no-space=4:120,no-space=8:600000"),
                                 ("cancel", "no-space=4:120"), ("status", "no-space=2:120")):
@@ -128,7 +128,7 @@ class Signals(Case):
 
     @staticmethod
     def most_offers(log) -> int:
-        """Returns the largest number of writes of the same bytes in the last 64 KiB of the log."""
+        """In the last 64 KiB of the log, counts the calls of `write:` with equal bytes. Returns the largest count."""
         if not log.exists():
             return 0
         with log.open("rb") as file:
@@ -178,7 +178,7 @@ class Signals(Case):
         return bool(blocked & 1 << (signal.SIGINT - 1))
 
     def test_a_signal_during_the_reading_of_arguments_does_not_suppress_the_outcome(self):
-        """The command needs a while to read very many arguments. The test tries to interrupt it during this time."""
+        """The command needs a while to read very many arguments. The test tries to interrupt the command meanwhile."""
         place, job = self.silent_place(), self.file("job", b"text\n")
         for _ in range(5):
             process = start("-d", place, "print", job, *["--json"] * 10_000)

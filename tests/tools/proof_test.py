@@ -57,7 +57,7 @@ class OrdinaryPrinter:
         return length
 
     def send(self, answer: bytes):
-        """Sends `unasked`, then the answer. Bytes of flow control in `unasked` also precede each later byte of the answer."""
+        """Sends `unasked`, then the answer. Repeats the flow control bytes of `unasked` between any two bytes of the answer."""
         inside = bytes(byte for byte in self.unasked if byte in FLOW_CONTROL)
         self.connection.sendall(self.unasked + inside.join(bytes([byte]) for byte in answer))
 

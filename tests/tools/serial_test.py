@@ -1,4 +1,4 @@
-"""Two programs and one serial line, with the virtual printer at its end."""
+"""A virtual printer on a serial line: two programs that use the line, and flow control."""
 
 import fcntl
 import os
@@ -58,7 +58,7 @@ class SerialLine(Case):
 
 
 class FlowControlCharacters(Case):
-    """The virtual printer asks its host to pause and to continue, and the command obeys."""
+    """The virtual printer pauses the host by XOFF and lets it continue by XON."""
 
     def printer(self):
         return self.simulator("pty:", "--set", "speed=2000", "--set", "buffer=512", "--set", "flow=xonxoff")
@@ -78,7 +78,8 @@ class FlowControlCharacters(Case):
 
 
 class FlowPrinter:
-    """A printer on a serial line that stops the flow after some bytes; it passes its data to a virtual printer."""
+    """A printer on a serial line. After 5000 bytes, it makes the host pause. It passes all data on to a virtual printer,
+    and the answers of the virtual printer back to the host."""
 
     MOMENT = 0.3  # seconds; bytes that are on their way arrive sooner
 
@@ -112,7 +113,7 @@ class FlowPrinter:
         return True
 
     def stop_by_bytes(self) -> int:
-        """Takes bytes until no more arrive; returns their number."""
+        """Pauses the host by XOFF until no more bytes arrive. Returns how many bytes the host has sent."""
         os.write(self.master, b"\x13")
         while select.select([self.master], [], [], self.MOMENT)[0] and self.take_some():
             pass
@@ -121,7 +122,7 @@ class FlowPrinter:
         return count
 
     def take_nothing(self) -> int:
-        """Waits until the line is full; returns how many bytes were sent."""
+        """Takes no bytes until the line is full. Returns how many bytes the host has sent."""
         waiting, before = self.waiting(), -1
         while waiting != before:
             select.select([], [], [], self.MOMENT)

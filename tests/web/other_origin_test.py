@@ -6,7 +6,8 @@ import threading
 from harness import main
 from shop import Shop, ShopCase
 
-# The attempts of a page of another origin; each returns the answer that it got. `shop` is the address with its secret token.
+# The attempts of a page of another origin; each returns the answer that it got. `shop` is the address of the shop's own
+# page, with the secret token.
 ATTEMPTS = {
     "reads": "fetch(shop + 'api/printers').then((answer) => answer.text())",
     "reads without asking": "fetch(shop + 'api/printers', {mode: 'no-cors'}).then((answer) => answer.text())",
@@ -94,7 +95,7 @@ class OtherOrigin(ShopCase):
         self.assertIs(state, False)
 
     def test_a_page_of_the_own_origin_can_read_and_change_the_printer(self):
-        """The attempts work: from the shop's own page they succeed, so only the other origin makes them fail."""
+        """On the shop's own page, three of the ATTEMPTS succeed. So on another page, only its origin makes them fail."""
         shop = self.shop()
         own = self.shop_page(shop)
         for name in ("reads", "follows the events", "switches"):

@@ -7,7 +7,7 @@ from shop import ShopCase
 
 RECEIPT = b"THE CORNER BAKERY\n\n2 Espresso        3.60\n1 Croissant       2.20\n\nTotal             5.80\n"
 
-# How many dots of the paper that hangs out are dark.
+# The number of dark dots on the paper that hangs out of the printer.
 INK = """[...document.querySelectorAll('.strip canvas')].reduce((sum, canvas) => {
   const copy = new OffscreenCanvas(canvas.width, canvas.height).getContext('2d', {willReadFrequently: true});
   copy.drawImage(canvas, 0, 0);
