@@ -261,8 +261,8 @@ bool ExternalAccessoryPort::awaitReport(WholeSecondsWait& wait) {
     }
     QUOR_LOG(ZKLogTypeProcess, 0, "topByte: %d", *topByte);
     if (*topByte == reportStart) {
-      // Each pass of the loop reads one report. If a second report arrives instead of the status
-      // byte, its first byte fails the test for a status byte below.
+      // Each pass of the loop reads at most one report. If a second report arrives instead of the
+      // status byte, its first byte is not a status byte, and the next pass asks again.
       if (!readReport(etbCountUp) || !(topByte = awaitByte(wait))) {
         return false;
       }

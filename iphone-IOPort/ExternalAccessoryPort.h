@@ -150,16 +150,16 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// for an empty command. Returns -1 if the link is lost, a write fails or the time-out passes; a
   /// part of the command may have been sent before.
   ///
-  /// If the link takes only a part of the command, the count is unreliable. Each further attempt
-  /// offers only the rest of the command, and the count, which is the sum of all attempts, is then
+  /// If the link takes only a part of the command, the result is unreliable. Each further attempt
+  /// offers only the rest of the command. The sum of the bytes that all attempts have sent is then
   /// compared with the length of this rest. This arithmetic is kept so that the printers in use
-  /// receive the same bytes as until now. After such an attempt there are three cases. (a) The
-  /// count equals the length of the rest: the operation returns success, although bytes are unsent.
-  /// (b) The count is smaller: the next attempt leaves out that many bytes of the rest, so unsent
-  /// bytes are skipped. (c) The count is larger, for example because the second attempt sent the
-  /// whole rest: the rest is sent again and again, without a pause or a time-out, as long as the
-  /// link takes it. Therefore use this operation only for short commands, which a link takes in one
-  /// attempt. Send print data by `write` in a loop, or by a PrintJob.
+  /// receive the same bytes as until now. There are three cases. (a) The sum equals the length of
+  /// the rest: the operation returns success, although bytes are unsent. (b) The sum is smaller:
+  /// the next attempt skips a number of bytes that equals the sum, although some of these bytes are
+  /// unsent. (c) The sum is larger, for example because the second attempt sent the whole rest: the
+  /// rest is sent again and again, without a pause or a time-out, as long as the link takes it.
+  /// Therefore use this operation only for short commands, which a link takes in one attempt. Send
+  /// print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
@@ -194,12 +194,15 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// `holdPrintTimeoutMillis` limits the wait for the paper.
   ///
   /// `status` and `resultCode` must not be null; `status` receives each status that the printer
-  /// sends. Returns true if the exchange worked; `*resultCode` is then success. Also returns true
-  /// if a line-mode printer is off line before the reset; the function then sends nothing more, and
-  /// `*resultCode` is failed. Returns false if the exchange failed or a wait ended without success;
-  /// `*resultCode` is then failed or paper present. `level` is passed to the status query in
-  /// ESC/POS. Throws the exceptions of `getParsedStatus`, and PortException "[beginCheckedBlock]
-  /// Failed to set data cancel timeout"; `*resultCode` is then failed.
+  /// sends. Returns true if the exchange worked; `*resultCode` is then
+  /// ZKQuorIOResultCodeSuccess. Also returns true if a line-mode printer is off line before the
+  /// reset; the function then sends nothing more, and `*resultCode` is
+  /// ZKQuorIOResultCodeFailedError. Returns false if the exchange failed or a wait ended without
+  /// success. `*resultCode` is then ZKQuorIOResultCodePaperPresentError if nobody took the paper
+  /// from the exit in time, and ZKQuorIOResultCodeFailedError otherwise. `level` is passed to the
+  /// status query in ESC/POS. Throws the exceptions of `getParsedStatus`, and PortException
+  /// "[beginCheckedBlock] Failed to set data cancel timeout"; after an exception `*resultCode` is
+  /// ZKQuorIOResultCodeFailedError.
   bool beginCheckedBlock(QuorPrinterStatus_2* status, std::uint32_t level,
                          std::int64_t* resultCode);
 
