@@ -78,7 +78,11 @@ struct QuorPrintJob {
   }
 
   std::string waitsFor;  // the reason of the printer's pause; set while the job runs
-  Progress progress;     // may be empty; for a job with a name, the function records the start
+
+  // May be empty. While a named job runs, this function also records the beginning of the job in
+  // the journal.
+  Progress progress;
+
   quordalvane::PrintJob job;
   quordalvane::PrintResult result;
   std::atomic<bool> hasRun = false;

@@ -9,7 +9,8 @@
 
 namespace quordalvane {
 
-/// The checked block in ESC/POS: the printer sends a report of each mark without being asked.
+/// The checked block in ESC/POS. One mark precedes the data and one follows it. When the printer
+/// has processed everything before a mark, it reports its count of marks without being asked.
 class EscPosBlock final : public CheckedBlock {
  public:
   EscPosBlock(PortLink& link, PrintResult& result);

@@ -5,8 +5,8 @@
 
 namespace quordalvane {
 
-/// Ends the job with a query that the printer answers in order, that is, after all data before the
-/// query. The answer does not say which job it belongs to, so it counts only if the printer has
+/// Ends the job with a query that the printer answers after it has processed all data before the
+/// query. The answer does not say to which job it belongs, so it counts only if the printer has
 /// answered exactly as often as it was asked. Three queries are sent: before the data, at the end
 /// of the job, and after the answer to the second query. So a single byte that looks like an answer
 /// by chance cannot confirm the job.

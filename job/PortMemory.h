@@ -12,8 +12,9 @@ namespace quordalvane {
 /// Facts that earlier jobs on a port have found out about its printer. These facts are kept as long
 /// as the port exists.
 struct PortMemory {
-  std::optional<ProofKind>
-      foundProof;            ///< how the printer proves jobs; null if no job has asked this yet
+  /// How the printer proves that it has printed a job; null if no job has asked the printer yet.
+  std::optional<ProofKind> foundProof;
+
   std::set<ProofKind> owed;  ///< the proofs for which the printer may still send an answer
 };
 

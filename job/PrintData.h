@@ -34,8 +34,9 @@ std::size_t commandEnd(ByteView data, std::size_t position);
 /// Returns, in words, why a query after `data` would prove nothing. There are two reasons. The data
 /// may end inside a command: the printer would read the query as a part of this command. Or a
 /// command in the data may make the printer drop data. Returns null if a query after `data` can
-/// prove the printing. If a command states the length of its payload, this payload is searched only
-/// for the command that clears the buffer in real time.
+/// prove the printing. The payload of a command that states its length is searched only for the
+/// command 10 14 08 (hex): a printer obeys this command on arrival, even inside a payload, and
+/// clears its buffer.
 std::optional<std::string> endSignObstacle(ByteView data);
 
 /// Returns how many in-order statuses (see inOrderRequest) the data itself requests; null if they

@@ -136,9 +136,10 @@ class Question final : private TransferObserver {
   }
 
  private:
-  // In ESC/POS the port rejects most parts of a status block. So if the port reports that the
-  // printer did not answer, the port may have mixed up two answers. But if the last read of the
-  // port received nothing, the time-out of the port has passed, and nothing was mixed up.
+  // If parts of the first answer, a status block, arrive late, the port takes them for the second
+  // answer. It rejects most of these parts, and then reports that the printer did not answer. But
+  // if the last read of the port received nothing, the port's time-out has passed without a second
+  // answer, and nothing was mixed up.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
     const Bytes bytes = joined(reads_);
