@@ -52,10 +52,10 @@ const Family& familyOf(Symbology symbology) {
   return families[static_cast<std::size_t>(symbology)];
 }
 
-// The height of a composite symbol's bar code, in modules. The library does not set this height.
+// The height of a composite symbol's bar code, in modules. The encoding library gives it as 0.
 constexpr unsigned barCodeInModules = 36;
 
-// The library has a separate number for each bar code with a two-dimensional part.
+// The encoding library has a separate number for each kind of bar code with a two-dimensional part.
 int compositeNumberOf(Symbology line) {
   switch (line) {
     case Symbology::UpcA:
@@ -96,14 +96,15 @@ std::string withoutStars(std::string data) {
   return data;
 }
 
-// Removes the check digit, if the number has one, because the encoder calculates it. This also
-// corrects a wrong check digit, because printers print no code that a cash register cannot read.
+// Removes the check digit, if the number has one. The encoder then calculates the right digit, and
+// so corrects a wrong one: a real printer prints no bar code with a wrong check digit.
 std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }
 
-// Returns the six digits of UPC-E for an eleven-digit UPC-A number; the number itself if it has no
-// such form.
+// Returns the first digit and the six digits of UPC-E for a UPC-A number that has this short form.
+// A UPC-A number has eleven digits, or twelve with its check digit. A number of eight digits is
+// returned without its check digit. A number of any other length is returned unchanged.
 std::string zeroSuppressed(const std::string& data) {
   if (data.size() != 11 && data.size() != 12) {
     return withoutCheckDigit(data, 8);

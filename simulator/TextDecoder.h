@@ -59,8 +59,8 @@ class TextDecoder {
   /// page applies. Returns false if the printer does not know UTF-8.
   bool setUtf8(bool on);
 
-  /// Returns the current selection, for people: the number of the page, or the name of the
-  /// multi-byte encoding.
+  /// Returns the current selection as a text for people: "page " and the number of the code page,
+  /// or the name of the multi-byte encoding.
   std::string selection() const;
 
   /// Resets everything that the job has selected.

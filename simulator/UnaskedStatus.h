@@ -21,7 +21,9 @@ class UnaskedStatus {
   Bytes change(const PrinterState& state);
 
  private:
-  std::optional<Bytes> latest_;  // null while the service is off; empty until the first `change`
+  // The status that was returned last. It has no value while the service is off, and no bytes
+  // between `switchOn` and the next `change`.
+  std::optional<Bytes> latest_;
 };
 
 }  // namespace quordalvane::simulator

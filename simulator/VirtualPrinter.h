@@ -96,18 +96,19 @@ class VirtualPrinter {
   void disconnect(std::uint64_t connection);
   bool isConnection(std::uint64_t connection) const { return connection == connection_; }
 
-  /// Returns how many bytes the printer can accept. This is the free part of its buffer, or 0 if
-  /// less is free than a command may need: a quarter of the buffer, at most 64 bytes.
+  /// Returns how many bytes the printer can accept: the free part of its buffer. If less than 64
+  /// bytes and less than a quarter of the buffer are free, returns 0, because a command may need
+  /// more.
   std::size_t space() const;
 
   /// Returns how many bytes at the start of `bytes` belong to commands that the printer executes as
   /// soon as it receives them. These bytes are not stored and need no free space.
   std::size_t actingAtOnce(ByteView bytes) const { return reception_.actingAtOnce(bytes); }
 
-  /// Accepts all of `bytes`. Either they must fit into `space()`, or `actingAtOnce` must count all
-  /// of them. With `vanish`, print data are lost, but the commands that `actingAtOnce` counts are
-  /// executed. If a command began in an earlier call, the `vanish` of that call applies to the
-  /// whole command.
+  /// Accepts all of `bytes`. They must either fit into `space()`, or all belong to commands that
+  /// the printer executes as soon as it receives them (see `actingAtOnce`). If `vanish` is true,
+  /// these commands are executed, and all other bytes are lost. If a command began in an earlier
+  /// call, the `vanish` of that call applies to the whole command.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
   /// Sends bytes to the host, if there is one: an answer, or a report without a question.
