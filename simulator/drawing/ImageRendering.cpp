@@ -33,8 +33,9 @@ constexpr Margins margins = {.end = 20, .gap = 24};
 constexpr unsigned bandHeight = 256;  // how many rows are drawn together
 
 // Each dot of the picture has one of these values. 0 is the paper's shadow. The values from `table`
-// to `mostRemark` run from the table's colour to the remarks' colour. The values from `paperDot` to
-// `mostInk` run from the paper's colour to the ink's colour.
+// to `mostRemark` run from the colour of the table to that of the remarks, which are written on the
+// table below the paper. The values from `paperDot` to `mostInk` run from the colour of the paper
+// to that of the ink.
 constexpr std::uint8_t shadow = 0;
 constexpr std::uint8_t table = 1;
 constexpr std::uint8_t mostRemark = 127;

@@ -15,9 +15,10 @@ struct Picture {
   std::vector<std::uint32_t> pixels;
 };
 
-/// Returns the paper as a picture of one pixel a dot, with margins beside the print and torn edges
-/// at its cuts. A symbol whose data cannot be encoded is replaced by its name. Remarks on the paper
-/// are drawn below the paper. May be called from any thread.
+/// Returns a picture of the paper, in which each dot is one pixel. The picture has margins beside
+/// the print, and torn edges where the paper was cut. A symbol whose data cannot be encoded is
+/// replaced by its name. The remarks on the paper (see `remarksOn`) are written below the paper.
+/// May be called from any thread.
 Picture renderPicture(const Paper& paper);
 
 /// Returns the picture of `renderPicture` as a PNG file. This needs little more memory than the

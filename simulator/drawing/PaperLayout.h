@@ -29,7 +29,7 @@ struct Piece {
 
 /// The empty space around the print, in dots.
 struct Margins {
-  unsigned end = 0;  ///< at the top of each `Piece`, and again at its bottom
+  unsigned end = 0;  ///< above the print of each `Piece`, and as much below it
   unsigned gap = 0;  ///< between two pieces
 };
 

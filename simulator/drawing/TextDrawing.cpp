@@ -37,8 +37,8 @@ struct GlyphKey {
   }
 };
 
-// The font caches live until the program ends, when nobody draws any more. The destructor frees
-// them, so that a leak checker reports nothing.
+// Frees the font caches of cairo and fontconfig at the end of the program, so that a leak checker
+// reports nothing. No thread may draw after that.
 struct FontCaches {
   ~FontCaches() {
     cairo_debug_reset_static_data();
