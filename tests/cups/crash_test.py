@@ -89,7 +89,8 @@ class Lane:
         return state if state in SETTLED else None
 
     def tidy(self, job: int, state: str):
-        """The steps that a person takes before the next case."""
+        """Does what a person would do to free the queue for the next case: cancels the job unless it has ended, and
+        resumes the queue if it is stopped. Waits until no back end runs."""
         if state not in ("completed", "canceled", "aborted"):
             self.scheduler.on_job(ipp.CANCEL_JOB, job)
         if self.scheduler.printer("till")["printer-state"] == [5]:

@@ -134,7 +134,7 @@ class Refused(QueueCase):
 
 class Unconfirmed(QueueCase):
     def unconfirmed(self, printer, queue: str) -> int:
-        """A job during which the link was cut."""
+        """Prints a job whose link is cut, and waits until the job is held."""
         printer.control({"fault": {"cut-after-in": 45}})
         job = self.print_job(queue)
         self.assertSettles(job, "held")
@@ -165,8 +165,8 @@ class Unconfirmed(QueueCase):
     def test_a_held_job_can_be_released_after_the_scheduler_restarts(self):
         printer = self.simulator()
         job = self.unconfirmed(printer, self.queue(printer))
-        # After the scheduler restarts, the back end recognises that a person has released the job only if the
-        # scheduler's record of the job is at least a second newer than the journal's: see isReleased.
+        # The scheduler must write its record of the job at least a second after the back end recorded the unknown
+        # outcome. Otherwise, after a restart, the back end cannot recognise a release by a person: see isReleased.
         time.sleep(1.1)
         self.scheduler.end()
         self.scheduler.start()

@@ -13,7 +13,9 @@ from harness import DEADLINE, eventually
 DAEMON, HELPER = Path("/usr/sbin/cupsd"), Path("/usr/lib/cups/daemon/cups-exec")
 FILTERS = Path("/usr/lib/cups/filter")
 SOCKET = Path("/usr/lib/cups/backend/socket")  # the print system's own back end for network printers
-NOBODY = 65534  # a scheduler of root runs back ends as another user
+# If root runs a test, the scheduler runs as this user, because a scheduler that runs as root starts its back ends as
+# another user.
+NOBODY = 65534
 
 STATES = {3: "pending", 4: "held", 5: "processing", 6: "stopped", 7: "canceled", 8: "aborted", 9: "completed"}
 ENDED = ("canceled", "aborted", "completed")

@@ -11,7 +11,7 @@ from queues import QUOR, QueueCase
 from scheduler import SOCKET, as_nobody
 
 LEAST, GREATEST = 9, 40  # fewest and most jobs on each back end
-MOST = 0.150  # seconds by which a job may take longer than with the print system's own back end
+MOST = 0.150  # how many seconds longer a job may take than with the print system's own back end
 
 
 class JobTime(QueueCase):
