@@ -1,4 +1,4 @@
-// Memory runs short: the first, the second, … allocation of each operation fails.
+// Memory runs short: in run k of an operation, its k-th allocation fails.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ struct Circumstances {
   Layer layer = {};
 };
 
-/// A platform whose threads are covered threads: their allocations also fail.
+/// A platform that lets `AllocationFault` also affect the allocations of the threads that it makes.
 class CoveredThreads : public ForwardingPlatform {
  public:
   using ForwardingPlatform::ForwardingPlatform;

@@ -99,8 +99,8 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// A clock that is set back does not end a wait early. It makes the wait longer by at most the
-  /// step.
+  /// A clock that is set back by `seconds` does not end a wait early. The wait becomes longer by at
+  /// most `seconds` and the time of `onePass`.
   static void stepBack(const Call& call, const Outcome& undisturbed, std::int64_t seconds) {
     for (std::size_t reading = 1; reading <= readingsOf(undisturbed); ++reading) {
       Scenario stepped = scenario();
@@ -114,9 +114,9 @@ class ClockSweep : public testing::TestWithParam<std::tuple<std::int32_t, Printe
     }
   }
 
-  /// Sets the clock back by a step that is too long to wait for, and corrects the clock after 30
-  /// more readings. Before the correction the call must not end early; after it the call must not
-  /// wait for the step.
+  /// Sets the clock back by `seconds`, which is too long to wait for, and corrects the clock after
+  /// 30 more readings. Before the correction the call must not end early. After the correction the
+  /// call must not wait as if the clock were still set back.
   static void stepBackForAWhile(const Call& call, const Outcome& undisturbed,
                                 std::int64_t seconds) {
     constexpr std::size_t readings = 30;

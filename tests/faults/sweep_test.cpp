@@ -1,5 +1,5 @@
-// Every call to the platform fails, in every way. In the first run of an operation, its first call
-// fails; in the second run, its second call; and so on, until a run makes fewer calls.
+// Every call to the platform fails, in every way. In run k of an operation, its k-th call fails.
+// The first run that makes fewer than k calls is the last.
 
 #include <gtest/gtest.h>
 
@@ -48,13 +48,13 @@ bool isDocumented(const std::string& operation, const Fault& fault, const std::s
 }
 
 /// Runs an operation in which one call to the platform fails, alone or with all later calls.
-/// Afterwards, without the fault, the port is closed, opened and asked for its status.
+/// Afterwards, without the fault, the port is closed and opened again.
 class FaultyRun {
  public:
   FaultyRun(Call call, MakeFault makeFault, bool fromThereOn)
       : call_(std::move(call)), makeFault_(std::move(makeFault)), fromThereOn_(fromThereOn) {}
 
-  /// Fails the k-th call. Returns false if there was no k-th call.
+  /// Makes the k-th call fail. Returns false if there was no k-th call.
   bool run(Scenario scenario, std::uint64_t k) {
     scenario.layerStepsBack = std::max<std::int64_t>(0, -makeFault_()->clockStep());
     scenario.layer = [this, k, below = scenario.layer](std::shared_ptr<Platform> next) {
@@ -122,8 +122,8 @@ class FaultSweep : public testing::TestWithParam<std::tuple<std::int32_t, bool>>
     return scenario;
   }
 
-  /// Runs the operation with a fault of its first call, of its second call, and so on, until a run
-  /// makes fewer calls. Returns how often the fault had an effect.
+  /// Runs the operation repeatedly; in run k, its k-th call fails. The first run that makes fewer
+  /// than k calls is the last. Returns in how many runs the fault had an effect.
   static std::uint64_t sweep(const Call& call, const MakeFault& makeFault, bool fromThereOn) {
     const auto [emulation, logs] = GetParam();
     const std::string name = std::string("fault ") + emulationName(emulation) +
