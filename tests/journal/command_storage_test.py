@@ -1,4 +1,4 @@
-"""In each run, another call on the files of a command's journal fails: an open, a write, a sync or a truncation.
+"""In the n-th run, the n-th call on the files of a command's journal fails: an open, a write, a sync or a truncation.
 
 Either the command ends with status 7 and has sent nothing, or it reports the true outcome. The next
 start finds an undamaged journal.

@@ -1,4 +1,5 @@
-// Journals that a disk has shortened, or of which the disk has written only a part of a page.
+// Journals that a disk has damaged: the file is too short, a part of a page was not written, or a
+// kilobyte is zero.
 #include <gtest/gtest.h>
 
 #include <fstream>

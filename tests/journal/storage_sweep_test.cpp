@@ -1,4 +1,5 @@
-// In each run, another call on the journal's files fails: an open, a write, a sync or a truncation.
+// In the n-th run, the n-th call on the journal's files fails: an open, a write, a sync or a
+// truncation.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
