@@ -110,7 +110,7 @@ def packed(root: Path, archive: Path) -> Path:
 
 
 def boot(unpacked: Path, archive: Path, console: Path) -> str:
-    """The output of the machine; it is also in `console` while it runs."""
+    """Runs the machine and returns its output. While the machine runs, its output so far is in the file `console`."""
     command = ["qemu-system-x86_64", "-accel", "tcg,thread=single", "-cpu", "max", "-m", "512", "-smp", "1",
                "-nodefaults", "-display", "none", "-serial", f"file:{console}", "-no-reboot",
                "-kernel", str(next((unpacked / "boot").glob("vmlinuz-*"))), "-initrd", str(archive),

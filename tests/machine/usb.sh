@@ -5,7 +5,7 @@ socket=/run/socket
 at_the_driver() { [ -n "$(ls /sys/class/usbmisc 2>/dev/null)" ]; }
 nothing_at_the_driver() { ! at_the_driver; }
 
-serve() { # SETTING …: the virtual printer at the end of the cable
+serve() { # SETTING …: starts the virtual printer; plug_in connects it to the USB cable
   [ -z "$server" ] || { kill $server; wait $server 2>/dev/null; }
   rm -f $socket
   quorport simulate --listen unix:$socket "$@" >/run/served </dev/null &
@@ -144,8 +144,8 @@ pull
 
 # --- jobs that do not end as they should
 
-# Every byte that arrives must have been counted, except the commands around the job. The driver may still hold 8 KiB
-# of the counted bytes.
+# bytesAccepted must include every byte that the printer got, except the bytes of the commands around the job. It may be
+# greater by up to 8 KiB, which the driver may still hold.
 is_honest() {
   accepted=$(field bytesAccepted)
   carried=$(cat /run/carried)

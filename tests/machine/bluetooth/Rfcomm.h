@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-// The declarations of the kernel's Bluetooth sockets that the printer's end of a link needs.
+// Declares the part of the kernel's Bluetooth interface that the printer's end of a link needs.
 
 namespace quordalvane::machine {
 

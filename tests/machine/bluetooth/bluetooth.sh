@@ -1,5 +1,5 @@
-# Bluetooth printers: hci0 is the machine's adapter, hci1 the printer's. The service looks after both, pairs them and
-# publishes the printer's serial port.
+# Tests Bluetooth printers. hci0 is the machine's adapter, hci1 the printer's. The Bluetooth service, bluetoothd,
+# manages both adapters, pairs them and publishes the printer's serial port.
 export DBUS_SYSTEM_BUS_ADDRESS=unix:path=/run/bus
 host=00:AA:01:00:00:00
 printer=00:AA:01:01:00:01
@@ -42,7 +42,7 @@ serve() { # SETTING …: starts the virtual printer that the peer makes reachabl
   within 20 test -S $socket
 }
 
-switch_on() { # [OFF_AFTER]: starts the peer; if OFF_AFTER is given, the peer switches its adapter off after so many bytes
+switch_on() { # [COUNT]: starts the peer; if COUNT is given, the peer switches its adapter off after COUNT bytes
   [ -z "$peer" ] || { kill "$peer" 2>/dev/null; wait "$peer" 2>/dev/null; }
   rm -f /run/carried
   peer $printer 3 $socket /run/carried $1 &
@@ -118,8 +118,8 @@ for cut in $(seq 60 150 7500); do
   echo "exit $code, accepted $accepted, the printer got $carried" >>/run/answer
   honest() {
     case $code:$(field outcome) in 6:unconfirmed | 5:refused) ;; *) return 1 ;; esac
-    # Every byte that arrives must have been counted, except the commands around the job. More bytes may be counted
-    # than arrived, because the two kernels hold some kilobytes.
+    # bytesAccepted must include every byte that the printer got, except the bytes of the commands around the job. It
+    # may be greater, because the kernel may hold some kilobytes on their way to the printer.
     [ $((accepted + 512)) -ge "$carried" ]
   }
   check "switched-off-after-$cut-bytes-is-not-printed" honest

@@ -11,14 +11,14 @@
 
 namespace quordalvane::machine {
 
-/// A printer as its USB descriptors and its IEEE 1284 text show it.
+/// The identity that a printer shows in its USB descriptors and its IEEE 1284 text.
 struct UsbIdentity {
   std::string vendor = "04b8";
   std::string product = "0202";
   std::string serial;  ///< "" if it reports none
   std::string id = "MFG:Quor Dalvane;CMD:ESCPOS;MDL:XQ700;CLS:PRINTER;";
   std::uint8_t protocol = 2;       ///< 1: only takes bytes; 2: also answers
-  bool isSecondInterface = false;  ///< if true, the first interface is of the maker's own class
+  bool isSecondInterface = false;  ///< if true, a vendor-specific interface precedes the printer's
 };
 
 /// The printer's end of a USB cable: a gadget of this kernel, whose endpoints the program serves.
