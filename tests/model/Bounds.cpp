@@ -138,13 +138,13 @@ constexpr const char* readyForNothing = "a stream that says ready";
 constexpr const char* invalidStatus = "the invalid-status loop";
 constexpr const char* drain = "the drain";
 
-/// Follows the trace of a run line by line, and finds the run's unbounded parts.
+/// Follows the trace of a run line by line, and finds the parts of the run whose time the contract
+/// does not limit.
 class Watch {
  public:
   explicit Watch(bool endsBlockInEscPos) : endsBlockInEscPos_(endsBlockInEscPos) {}
 
-  /// Returns the name of the unbounded part that the run has reached with this line, or "" if the
-  /// run is in no such part.
+  /// Returns the part's name if this line belongs to a part without a time limit; otherwise "".
   std::string see(const Line& line) {
     if (endsStretch(line)) {
       stretch_ = "";
@@ -170,7 +170,7 @@ class Watch {
            text == (stretch_ == invalidStatus ? "usleep 200000" : "ignoreSigPipe");
   }
 
-  /// Returns the name of the unbounded part that begins with this line, or "".
+  /// Returns the part's name if a part without a time limit begins with this line; otherwise "".
   std::string begunBy(const std::string& line) {
     if (line == "ignoreSigPipe") {
       const bool wasPartial = taken_ > 0 && taken_ != offered_;

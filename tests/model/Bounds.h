@@ -6,19 +6,22 @@
 
 namespace quordalvane::test {
 
-/// The longest time that a call may take by its contract, in virtual seconds: the sum of the times
-/// of all its operations and waits. A wait may take the sum of its limit, one pause between two
-/// checks, 0.1 s in the run loop, and one second, because limits are compared with whole seconds of
-/// the wall clock. The length of each step that sets the clock back is added.
+/// Returns the longest time that a call may take by its contract, in virtual seconds. This is the
+/// sum of the times of its operations and waits. A wait may exceed its limit by the sum of:
+/// - one pause between two checks,
+/// - 0.1 s in the run loop,
+/// - one second, if the limit is compared with whole seconds of the wall clock.
+/// If the scenario sets the clock back, the length of each of these steps is added to the sum.
 double mostSeconds(const Scenario& scenario, const Call& call);
 
-/// The unbounded parts of a run: parts whose time the contract does not limit.
+/// The parts of a run whose time the contract does not limit.
 struct Exemption {
-  std::string name;    // the name of the first unbounded part; "" if the run has none
-  double seconds = 0;  // the time that all unbounded parts took together
+  std::string name;    // the name of the first of these parts; "" if there is no such part
+  double seconds = 0;  // the time that all these parts took together
 };
 
-/// Finds the unbounded parts of a run. Each is a loop, and a lost link ends it within one pass:
+/// Finds the parts of a run whose time the contract does not limit. Each of these parts is a loop.
+/// If the link is lost, the loop ends within one pass. The loops are:
 /// - The retrying writer repeats a command after an attempt that sent only some of its bytes. The
 ///   part ends when the writer returns.
 /// - A stream reports that it is ready, but then transfers no byte or returns an impossible count.
@@ -28,8 +31,8 @@ struct Exemption {
 /// - In ESC/POS, `endCheckedBlock` reads and drops bytes as long as bytes arrive.
 Exemption exemptionOf(const Outcome& outcome, const Call& call);
 
-/// Returns "" if the run, without its unbounded parts, took no longer than `mostSeconds`; otherwise
-/// a message with both times.
+/// Returns "" if the run, without the parts that `exemptionOf` finds, took no longer than
+/// `mostSeconds`; otherwise a message with these times.
 std::string overrun(const Scenario& scenario, const Call& call, const Outcome& outcome);
 
 }  // namespace quordalvane::test

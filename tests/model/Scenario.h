@@ -28,7 +28,8 @@ struct Outcome {
   /// The trace's lines about transferred bytes and about waits, as `view` shows them.
   std::string wire() const { return view(lines, {About::Data, About::Wait}); }
 
-  /// The calls to the platform, including those that begin and end something.
+  /// The trace's lines about calls to the platform, except questions (`About::Question`), as `view`
+  /// shows them.
   std::string calls() const { return view(lines, {About::Data, About::Wait, About::Lifecycle}); }
 
   /// The records of one method.
