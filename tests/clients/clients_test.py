@@ -73,7 +73,7 @@ class OtherLibraries(unittest.TestCase):
         return text
 
     def test_other_libraries_print_question_marks_for_writing_systems_that_the_printer_lacks(self):
-        """docs/text-and-pictures.md compares these figures with those of `quorport print --text`."""
+        """A table in docs/text-and-pictures.md shows these results beside the result of `quorport print --text`."""
         scripts = [line.split(maxsplit=1) for line in SCRIPTS.read_text(encoding="utf-8").splitlines()[:10]]
         latin, right_to_left = {"Latin", "Euro", "Cyrillic"}, {"Greek", "Arabic", "Hebrew"}
         for client, arrives, marks in (("receiptio", latin, 100), ("receipt-printer-encoder", latin | right_to_left, 47),

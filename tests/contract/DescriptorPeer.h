@@ -4,10 +4,10 @@
 
 namespace quordalvane::contract {
 
-/// The other side of a link over a descriptor. It takes bytes only in `read`.
+/// The device's end of a link, if this end is a file descriptor. It takes bytes only in `read`.
 class DescriptorPeer : public Peer {
  public:
-  /// Takes over `number`, in blocking mode.
+  /// `number` is the descriptor. It must be in blocking mode. The peer closes it.
   explicit DescriptorPeer(int number) : number_(number) {}
   ~DescriptorPeer() override { close(); }
 

@@ -1,7 +1,8 @@
 """A library exports the names in its list and no others. Usage: exported_symbols.py LIST LIBRARY HEADER …
 
-Names that are marked QUOR_EXPORT are exported. Each change of these names changes the list, so that nobody removes a name
-by mistake: programs that use a removed name no longer run. A HEADER declares names of the library for C. After an intended change, rewrite the list with
+Names that are marked QUOR_EXPORT are exported. This test fails if these names differ from the list, so that nobody
+removes a name by mistake: programs that use a removed name no longer run. The test also fails if the library does not
+export a name that a HEADER declares for C. After an intended change, rewrite the list with
 
     tests/install/exported_symbols.py --write LIST LIBRARY
 """

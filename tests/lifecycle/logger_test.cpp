@@ -1,4 +1,5 @@
-// The process's logger from eight threads at once, with sinks that are added and removed.
+// Eight threads use the process's logger at the same time, while another thread adds and removes
+// sinks or changes levels.
 
 #include <gtest/gtest.h>
 
