@@ -206,9 +206,10 @@ ExitCode QueueJob::hold(NamedJob& named, const PrintResult& result) {
   return ExitCode::Held;
 }
 
-/// Postpones a job of which nothing was sent. If the job was sent to a class of printers, another
-/// printer of the class may print it; otherwise the job waits. The pause prevents the scheduler
-/// from trying all printers of the class without end.
+/// Postpones a job of which nothing was sent. If the job was sent to a class of printers, the
+/// scheduler may now try another printer of the class; otherwise the job waits for its printer. For
+/// a class, this function sleeps first, so that the scheduler does not try one printer after the
+/// other without a pause.
 QueueJob::Verdict QueueJob::postpone(const std::string& why, const StateReasons& reasons) {
   with_.lines.setReasons(reasons);
   with_.lines.inform("waiting: " + why);

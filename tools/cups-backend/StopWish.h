@@ -8,27 +8,27 @@
 
 namespace quordalvane::cups {
 
-/// The scheduler's request to end a job. While no block of the job is being printed, there is
-/// nothing to undo, so the process ends immediately, even if it is waiting. May be used from any
-/// thread.
+/// The scheduler's request to end a job. A job is printed in parts (`JobBlock`), each by one
+/// PrintJob. While no part is being printed, there is nothing to undo, so the process ends
+/// immediately, even if it is waiting. May be used from any thread.
 class StopWish {
  public:
   /// `leave` must end the process.
   explicit StopWish(std::function<void()> leave) : leave_(std::move(leave)) {}
 
-  /// Ends a job that is no longer wanted: cancels the block that is being printed, or ends the
-  /// process.
+  /// To be called if the job is no longer wanted. Cancels the PrintJob that runs now; if none runs,
+  /// ends the process.
   void cancel();
 
-  /// To be called if nobody reads the reports any more. If a block is being printed, the process
-  /// ends after this block; otherwise it ends immediately.
+  /// To be called if nobody reads the reports any more. If a PrintJob runs now, the process ends
+  /// after it; otherwise the process ends immediately.
   void leaveWhenIdle();
 
-  /// Marks `job` as being printed. `job` must live until `endJob`.
+  /// To be called before `job` runs. `job` must live until `endJob`.
   void beginJob(PrintJob& job);
 
-  /// Marks the job as ended. Before this call, the caller must record the outcome of the job in the
-  /// journal.
+  /// To be called after the PrintJob has ended and its outcome is recorded in the journal. May end
+  /// the process.
   void endJob();
 
  private:
