@@ -121,7 +121,8 @@ class Server::Machine {
     }
   }
 
-  // The library requires that no connection is suspended when the library ends.
+  // The web library must not be stopped while a connection is suspended. Therefore this function
+  // wakes all readers first.
   ~Machine() {
     ends_ = true;
     wakeReaders();

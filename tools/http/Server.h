@@ -62,8 +62,8 @@ class Server {
   static constexpr std::size_t longestHead = std::size_t{16} << 10U;  ///< bytes, approximately
   static constexpr std::size_t mostConnections = 128;
   static constexpr std::size_t mostReaders = 64;
-  static constexpr std::chrono::seconds longestWait{20};     ///< the limit for a whole request
-  static constexpr std::chrono::seconds longestAnswer{120};  ///< the limit for reading an answer
+  static constexpr std::chrono::seconds longestWait{20};     ///< for a client to send a request
+  static constexpr std::chrono::seconds longestAnswer{120};  ///< for a client to read an answer
 
   /// `listening` is a socket that already listens at `endpoint`; the caller remains its owner.
   /// Throws std::system_error or std::runtime_error if the server cannot be started.
