@@ -11,9 +11,9 @@
 namespace quordalvane::printer_app {
 
 /// Collects the commands of a job until the whole job can be sent: the pages, and the drawer
-/// pulses, copies and cuts that the job asks for.
+/// pulses, copies and paper cuts that the job asks for.
 ///
-/// | `quor-cut` | cuts |
+/// | `quor-cut` | cuts the paper |
 /// |---|---|
 /// | `document` | after each copy; the default |
 /// | `job` | once, after the last copy |
@@ -24,8 +24,7 @@ namespace quordalvane::printer_app {
 class Document {
  public:
   /// `Rendered`: pages that this program has drawn. `Raw`: the printer's own commands. Raw commands
-  /// get a paper cut only if the job asks for one. Nothing but a drawer pulse is ever sent before
-  /// them.
+  /// get a paper cut only if the job asks for one. Only a drawer pulse may precede raw commands.
   enum class Kind { Rendered, Raw };
 
   Document(pappl_job_t* job, const pappl_pr_options_t& options, Kind kind);
@@ -55,10 +54,12 @@ class Document {
   std::vector<std::uint8_t> bytes_;
 };
 
-/// Read the file of the job's document: piece by piece, or as a whole. Throw RenderError if the
-/// file cannot be read. `wholeDocument` also throws RenderError if the file exceeds the size limit
-/// of a job.
+/// Reads the file of the job's document, and passes its bytes to `take`, piece by piece. Throws
+/// RenderError if the file cannot be read.
 void readDocument(pappl_job_t* job, const render::Output& take);
+
+/// Returns the contents of the file of the job's document. Throws RenderError if the file cannot be
+/// read or exceeds the size limit of a job.
 std::vector<std::uint8_t> wholeDocument(pappl_job_t* job);
 
 }  // namespace quordalvane::printer_app

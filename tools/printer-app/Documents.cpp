@@ -105,7 +105,8 @@ bool printRaster(pappl_job_t* job, pappl_device_t* /*device*/, void* /*data*/) {
   });
 }
 
-// Refuses raster that would be printed while it arrives. The framework requires these functions.
+// The framework requires these three functions, and calls them to print raster data while the data
+// arrives. The functions refuse the data.
 bool refuseJob(pappl_job_t* job, pappl_pr_options_t* /*options*/, pappl_device_t* /*device*/) {
   papplJobSetMessage(job, "%s", "raster data must be sent as image/pwg-raster or image/urf");
   return false;

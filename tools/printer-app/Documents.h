@@ -4,8 +4,8 @@
 
 namespace quordalvane::printer_app {
 
-/// Sets the framework's functions for documents. A file of printer commands is printed. Raster data
-/// that would be printed while they arrive are refused.
+/// Sets in `data` the functions that the framework calls to print a document. A file of printer
+/// commands is printed. Raster data is refused if the framework would print it while it arrives.
 void addCommandDocuments(pappl_pr_driver_data_t& data);
 
 /// Makes the framework accept text in UTF-8 (text/plain), pictures in PNG and JPEG, and raster.

@@ -32,7 +32,7 @@ bool beginsAsRaster(http_t* http) {
 
 bool hasRaster(http_t* http, ipp_t* request) {
   if (httpGetState(http) != HTTP_STATE_POST_RECV) {
-    return false;  // no document follows, or this program is the client
+    return false;  // no document follows, or this program reads the answer to a request of its own
   }
   const std::string_view format = formatIn(request);
   return format == "image/pwg-raster" || format == "image/urf" ||

@@ -10,7 +10,7 @@ namespace quordalvane::printer_app {
 ///
 /// The framework reads each request with `ippRead`, a function of the print system's library. This
 /// program defines a function of the same name, which the framework calls instead. If a request
-/// contains raster data, the program's function marks them as a document of this format.
+/// contains raster data, the program's function marks this data as a document of this format.
 ///
 /// This constant is defined in the same source as the program's `ippRead`. A linker adds that
 /// function to the program only if the program uses something else of that source.
