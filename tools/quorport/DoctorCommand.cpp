@@ -45,8 +45,8 @@ std::string inLines(const Findings& findings) {
   return text;
 }
 
-// Returns the name and the description of a proof, the way in which a printer confirms jobs. `Auto`
-// counts as `None`.
+// A proof is the way in which a printer confirms jobs. Returns the name and the description of
+// `proof`; `Auto` counts as `None`.
 std::string inWords(ProofKind proof) {
   const ProofKind found = proof == ProofKind::Auto ? ProofKind::None : proof;
   return std::string(nameOf(found)) + ": " + std::string(aboutOf(found));

@@ -87,7 +87,8 @@ class Examination {
   }
 
  private:
-  // Returns the settings with which the device is asked, beginning with the given settings.
+  // Returns the sets of settings that `run` tries, in this order. The first set is from the device
+  // text.
   std::vector<SchemeVariant> variants() const {
     if (scheme_.variants != nullptr) {
       return scheme_.variants(spec_);

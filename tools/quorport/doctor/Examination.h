@@ -26,9 +26,9 @@ struct Diagnosis {
 };
 
 /// Examines the device and ignores the port name of `options`. Prints nothing, and the printer
-/// keeps the data that it holds. But a serial printer that does not answer is also asked at every
-/// other speed, which may make it print stray characters. Shows the progress on `line`. Throws a
-/// CommandFailure with ExitCode::Usage for an invalid device text.
+/// keeps the data that it holds. But a serial printer that does not answer is asked again with
+/// other settings; at a wrong speed it may print stray characters. Shows the progress on `line`.
+/// Throws a CommandFailure with ExitCode::Usage for an invalid device text.
 Diagnosis examine(const std::string& device, const Options& options,
                   const Surroundings& surroundings, LiveLine& line);
 

@@ -8,8 +8,8 @@ namespace quordalvane::tool {
 
 /// Counts of a printer's actions since it was switched on.
 struct Counters {
-  /// The count of receipts that were torn off, and of jobs that printed nothing but did something
-  /// else, for example opened the drawer.
+  /// The count of receipts that were torn off. A job without a receipt also counts if it had an
+  /// effect, for example if it opened the drawer.
   std::uint64_t jobs = 0;
 
   std::uint64_t cuts = 0;

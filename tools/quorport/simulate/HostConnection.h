@@ -77,7 +77,7 @@ class HostConnection {
   bool hostEnded_ = false;
   bool over_ = false;
   std::optional<simulator::Instant> lastReceived_;
-  // The latest time at which the connection ends. Set when the printer drops the link.
+  // The connection ends at this time or earlier. Empty until the printer drops the link.
   std::optional<simulator::Instant> lastSettling_;
 };
 

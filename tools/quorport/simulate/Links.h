@@ -27,9 +27,9 @@ class Links {
   void end() { link_.reset(); }
 
   /// Adds faults to the current link and to all later ones; sets the seed if `faults` contains one.
-  /// The fault `cut` affects only one link: the current one, or the next one if there is none. A
-  /// fault or setting that the fault `at` delays takes effect at its time, even if there is no
-  /// link.
+  /// The fault `cut` ends only one link: the current one, or the next one if there is none. The
+  /// fault `at` makes another fault, or a setting of the printer, take effect later, even if there
+  /// is no link at that time.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
   /// Removes all faults, even delayed ones. The seed is kept.
@@ -46,7 +46,7 @@ class Links {
   std::optional<simulator::Instant> nextEvent() const;
 
  private:
-  struct Coming {  // a fault or setting that the fault `at` delays
+  struct Coming {  // a fault `at`: the fault or setting in it takes effect at the time `due`
     simulator::Instant due;
     simulator::Fault fault;
   };

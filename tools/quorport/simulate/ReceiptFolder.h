@@ -11,8 +11,9 @@ namespace quordalvane::tool {
 /// only when it is complete, so that another program can read any file that it sees.
 class ReceiptFolder {
  public:
-  /// Creates the folder if it does not exist. The numbers continue after the highest existing one.
-  /// Throws a CommandFailure with ExitCode::Usage if the folder cannot be created or read.
+  /// Creates the folder if it does not exist. New receipts get higher numbers than all receipts
+  /// that are in the folder. Throws a CommandFailure with ExitCode::Usage if the folder cannot be
+  /// created or read.
   explicit ReceiptFolder(std::string folder);
 
   struct Written {

@@ -72,7 +72,7 @@ class Server {
   ReceiptWriter writer_;  // must outlive the printers, whose destructors end their last jobs
   unsigned long jobs_ = 0;
   unsigned long jobsNotOk_ = 0;
-  std::unique_ptr<Audience> audience_;  // may be null; must also outlive the printers
+  std::unique_ptr<Audience> audience_;  // may be null; must outlive the printers, which use it
   std::list<Station> stations_;
   Control control_;
   std::map<const Station*, std::string> announced_;  // the last announced address of each printer

@@ -46,8 +46,9 @@ class PaperArtist {
 
   static constexpr std::size_t mostWaiting = std::size_t{16} << 20U;
 
-  /// Adds an output to be drawn. Returns false, and adds nothing, if too much is waiting. An output
-  /// that has no items, and only ends a paper, is always added.
+  /// Adds an output to be drawn. Returns false, and adds nothing, if the size of all outputs that
+  /// are not yet drawn would exceed `mostWaiting`. An output that has no items, and only ends a
+  /// paper, is always added.
   bool add(Print print);
 
   /// Returns the descriptor that becomes readable when an output is drawn.
@@ -64,7 +65,7 @@ class PaperArtist {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<Print> waiting_;
-  std::size_t weight_ = 0;  // the sum of the waiting outputs' weights
+  std::size_t weight_ = 0;  // the size of all outputs that are not yet drawn, in bytes
   bool ends_ = false;
   std::vector<Drawing> drawn_;
   // The papers by printer number. Only `thread_` uses them.

@@ -113,7 +113,7 @@ class Web : public Audience {
     for (PrinterShow& printer : printers_) {
       follow(printer, printer.station().printer().paper(), false);
     }
-    server_.work(now);  // control lines from browsers may change the states
+    server_.work(now);  // requests from browsers may change the states of printers
     showStates(now);
     server_.work(now);
   }
