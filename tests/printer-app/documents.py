@@ -1,4 +1,4 @@
-"""Encodes a figure in every format that a client sends, and finds the figure again on the paper.
+"""Encodes FIGURE, a picture of the letter F, in every format that a client sends, and finds the letter on the paper.
 
 The code follows the rules of the formats, and shares nothing with the product.
 """
@@ -21,7 +21,7 @@ def is_black(x: int, y: int) -> bool:
 
 
 def page(width: int, height: int, left: int, top: int) -> list[bytes]:
-    """The rows of a grey picture: a black figure on white."""
+    """The rows of a grey picture: FIGURE in black on white."""
     return [bytes(0 if is_black(x - left, y - top) else 255 for x in range(width)) for y in range(height)]
 
 
@@ -53,7 +53,7 @@ class Bits:
 
 
 def jpeg(rows: list[bytes]) -> bytes:
-    """A grey picture. Each square of 8 by 8 pixels has only one grey, and the file contains only this grey."""
+    """A grey picture. The file stores one grey for each square of 8 by 8 pixels, whose pixels must all be equal."""
 
     def segment(marker: int, data: bytes) -> bytes:
         return struct.pack(">BBH", 0xFF, marker, len(data) + 2) + data

@@ -97,9 +97,11 @@ class PrinterConditions(Application):
 
 
 class DisconnectedClient(Application):
-    """Clients that disappear while they send a document. The tests wait in the log until the application has aborted the
-    job. Otherwise they could meet a defect of the framework: it can wait for ever if it saves its jobs, as before each
-    answer, while it aborts another job."""
+    """Clients that disappear while they send a document.
+
+    The tests wait until the log shows that the application has aborted the job. Without this wait, they could meet a
+    defect of the framework: it can wait for ever if it saves its jobs while it aborts a job. It saves its jobs before
+    each answer."""
 
     def check(self, contents: bytes, kind: str, *sent: int):
         for count in sent:
