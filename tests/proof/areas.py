@@ -1,6 +1,7 @@
 """The areas of the product that are broken on purpose, each with the test programs that must notice this.
 
-The programs of an area run in order, the quickest first. They have few cases, because each mutant runs them until one fails.
+For each such change of a source, the programs of its area run in order, the quickest first, until one fails. The
+programs have few cases, because many changes are tried.
 """
 
 import re

@@ -21,7 +21,7 @@ def named_tests() -> list[tuple[str, list[str]]]:
 
 
 def ctest_names(file: str, tests: list[str]) -> list[str]:
-    """Patterns for the names that ctest gives to these tests."""
+    """Patterns for the names that ctest gives to `tests`, tests in `file`; [] means all tests of the file."""
     path = Path(file)
     source = (ROOT / path).read_text()
     if absent := [test for test in tests if not re.search(rf"\b{test}\b", source)]:

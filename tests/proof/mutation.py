@@ -1,8 +1,8 @@
 """Changes small things in the product, one at a time, and sees whether a test notices. A mutant is one such change.
 
-Usage: mutation.py COUNT [--seed SEED] [AREA …]. Tries COUNT mutants of each area; 0 means all. SEED (1 unless given)
-decides the order in which mutants are drawn. If a source is changed, the mutants of all unchanged lines keep this order.
-If a mutant does not compile, another one is drawn in its place.
+Usage: mutation.py COUNT [--seed SEED] [AREA …]. Puts the mutants of each area in a random order, and tries the first
+COUNT; 0 means all. SEED (1 unless given) decides the order. If a source is changed, the mutants of all unchanged lines
+keep this order. A mutant that does not compile is not counted.
 
 The result of each mutant is kept in build/proof/mutants.json, so that a run that was stopped (SIGINT, SIGTERM)
 continues at the same point. A mutant that a test noticed is tried again only after its source file or that test has
@@ -30,7 +30,7 @@ ENOUGH = 0.95
 AT_ONCE = 40  # the size of a batch; within a batch, the mutants of a file follow each other
 
 # Each pattern with its replacement. The blanks around an operator exclude templates, arrows and includes. The pattern
-# for + excludes a + next to a string literal, because a - next to a string literal does not compile.
+# for + excludes a + next to a string literal, because the replacement, a -, would not compile there.
 OPERATORS = (
     (r" == ", " != "),
     (r" != ", " == "),
@@ -124,7 +124,7 @@ def body_of(test: str, sources: str) -> str:
 
 
 class Tried:
-    """The mutants of one area, in the order in which they are drawn, and their results."""
+    """The mutants of one area, in the random order that the seed decides, and their results."""
 
     def __init__(self, area: areas.Area, seed: int, ledger: Ledger):
         self.area, self.ledger = area, ledger
@@ -164,8 +164,8 @@ class Tried:
         return tried[: count or None]
 
     def missing(self, count: int) -> list[Mutant]:
-        """The next mutants to try, ordered by file. They are at most AT_ONCE of those without a result among the first
-        `count` mutants; mutants that do not compile are not counted."""
+        """The next mutants to try: among the first `count`, those without a result, at most AT_ONCE, ordered by file. A
+        mutant that does not compile is not counted."""
         known = {one: self.answer(one) for one in self.drawn}
         compiling = [one for one in self.drawn if known[one] != "compiler"][: count or None]
         untried = [one for one in compiling if known[one] is None]

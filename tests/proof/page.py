@@ -67,7 +67,7 @@ HEADS = {
 
 
 def details(row: Row, units: dict[str, dict]) -> str:
-    """The commands of a row that were run, and the output of each."""
+    """The part of build/proof/details.md about one row: the commands that were run, then their output."""
     lines = [f"## {row.title}", ""]
     for key, unit in units.items():
         lines.append(f"    {key}")

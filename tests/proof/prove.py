@@ -1,9 +1,9 @@
-"""Runs the proof and writes its summary, docs/proof.md. Each row of the summary is run by itself. See
-`./dev prove --help`.
+"""Runs the proof and writes its summary, the table in docs/proof.md. See `./dev prove --help`.
 
-The work for a row is divided into units; a unit is one run of a program. The figures of a finished unit are kept in
-build/proof/. The unit is run again only after the product or its tests have changed, so a run that was stopped continues
-at the same point.
+Each row of the table states a claim, which one or more programs test. A row can be run alone. The work for a row is
+divided into units; a unit is one run of a program. The figures of a finished unit are kept in build/proof/. The unit is
+run again only after the product or its tests have changed. So `./dev prove`, if it was stopped, continues at the same
+point.
 """
 
 import argparse
@@ -96,8 +96,8 @@ def options() -> argparse.Namespace:
 
 
 def prove(row: Row, size: str, ledger: Ledger, state: str) -> bool:
-    """Runs the programs of the row until the time is over, and writes the results so far to docs/proof.md. Returns false
-    if a program fails or runs no case."""
+    """Runs the programs of one row of docs/proof.md, and writes the row's results so far to this page. Stops when the
+    time that --minutes gives is over, or when interrupted. Returns false if a program fails or runs no case."""
     print(f"== {row.title}, {size} size", flush=True)
     failure = None
     try:

@@ -1,4 +1,4 @@
-"""The rows of the proof. Each row has a claim, and the programs that test the claim at each of the sizes in steps.py."""
+"""The rows of the table in docs/proof.md. Each row has a claim, and the programs that test it at each size of a run."""
 
 import sys
 from dataclasses import dataclass
@@ -12,7 +12,7 @@ class Row:
     title: str
     shows: str
     steps: tuple
-    suite: str  # the part of the row that `./dev test` runs, at each commit
+    suite: str  # which part of this work `./dev test` does: the text in the column "at each commit"
 
 
 def python(script: str, *arguments) -> tuple:
@@ -39,7 +39,8 @@ def exits(build: str) -> Step:
 
 
 def soak() -> Portions:
-    # A portion is long enough to show a leak, and short enough that a stopped run loses little.
+    # For a release, the work is divided into runs of half an hour. Such a run is long enough to show a leak, and short
+    # enough that little is lost when it is stopped.
     def settings(number: int, seconds: int) -> dict[str, str]:
         return {"QUOR_SOAK_SECONDS": str(seconds), "QUOR_SEED": str(1 + number), "QUORPORT": str(ROOT / "build/bin/quorport")}
 
@@ -66,7 +67,7 @@ WHOLE = ("at_reply", "operation", "print_job")
 
 
 def fuzz(targets: tuple[str, ...], runs: tuple) -> Portions:
-    # Each portion begins with the corpus that the earlier portions have gathered.
+    # Each run begins with the corpus that the earlier runs have gathered.
     return Portions(("scripts/fuzz.sh", "build-fuzz", "-runs={amount}", *targets), runs, tuple(min(one, runs[1]) for one in runs),
                     lambda number, _amount: {"QUOR_SEED": str(1 + number)}, fuzzing)
 

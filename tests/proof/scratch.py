@@ -23,9 +23,9 @@ SHARDS = 4  # how many processes share the tests of a program that mostly waits
 QUICK_LINKER = ["-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=mold", "-DCMAKE_SHARED_LINKER_FLAGS=-fuse-ld=mold"] if shutil.which("mold") else []
 
 
-# The time limit of each program in seconds: several times its time on this machine before the source was broken. If the
-# broken source makes a program hang, the program exceeds the limit, which counts as a failed test. A program that a busy
-# machine slows down stays below the limit.
+# The time limit of each program in seconds: several times its time with the unbroken source on this machine. If the
+# broken source makes a program hang, the program exceeds the limit, which counts as a failed test. A program that is
+# slow only because the machine is busy stays below the limit.
 limits: dict[str, float] = {}
 LONGEST_RUN, SHORTEST_LIMIT, SLACK = 600, 60, 4
 
@@ -87,8 +87,8 @@ def run_shard(program: str, chosen: str = "*", *, shards: int, shard: int) -> st
 
 
 def is_repeated(program: str, answer: str) -> bool:
-    """Whether a test fails again. A test that the broken source made fail then fails again; a test that failed only
-    because the machine was busy then passes."""
+    """Whether the failed test fails again when it runs alone. A test that failed only because the machine was busy
+    then passes. If the program crashed or hung, it named no test: nothing is run again, and the result is True."""
     if answer.startswith(("ends ", "does ")):
         return True
     return ended(BUILD / "bin" / program, {"GTEST_FILTER": answer}) is not None

@@ -21,11 +21,11 @@ class Failed(Exception):
 
 
 class Stopped(Exception):
-    """The proof was stopped while the program ran. The exception holds the program's output."""
+    """`./dev prove` was stopped while the program ran. The exception holds the program's output."""
 
 
 class Clock:
-    """Says when the proof must end: at a given time, or when it is interrupted."""
+    """Says when `./dev prove` must end: after the time that --minutes gives, or when a signal interrupts it."""
 
     end = float("inf")
 
@@ -44,8 +44,8 @@ class Clock:
 
 
 def execute(command: list[str], environment: dict[str, str], ends_itself: bool = False) -> str:
-    """Runs the program and returns its output. If the proof is stopped, stops the program and the processes that the
-    program started. With `ends_itself`, stops only the program, which then stops its processes itself."""
+    """Runs the program and returns its output. If `./dev prove` is stopped, stops the program and the processes that
+    the program started. With `ends_itself`, stops only the program, which then stops its processes itself."""
     process = subprocess.Popen(command, cwd=ROOT, env=os.environ | environment, stdout=subprocess.PIPE,
                                stderr=subprocess.STDOUT, text=True, errors="replace", start_new_session=True)
     try:
@@ -168,7 +168,7 @@ class Portions:
 
     command: tuple
     counts: tuple  # the whole amount of work for each of SIZES, in cases, inputs or seconds
-    portion: tuple  # the amount of work of one run, for each of SIZES, measured as in `counts`
+    portion: tuple  # the work of one run for each of SIZES, in the unit of `counts`
     settings: object  # a function that takes the number and the amount of a portion, and returns its environment variables
     cases_of: object = plainly
 
