@@ -31,9 +31,9 @@ struct Case {
   std::vector<std::pair<std::string, std::string>> printer;  // settings by name
   std::vector<std::pair<std::string, std::string>> faults;
   std::vector<Turn> turns;
-  ByteBuffer data;
-  ByteBuffer onPaper;           // the data without marks and requests
-  bool dataMakesSigns = false;  // a mark or a request is in the data
+  ByteBuffer data;     // may contain commands that the port itself sends to learn the job's result
+  ByteBuffer onPaper;  // the data without such commands
+  bool dataMakesSigns = false;  // whether the data contains such a command
 };
 
 Case makeCase(std::uint64_t seed);

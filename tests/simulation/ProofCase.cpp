@@ -13,8 +13,8 @@ using test::Dice;
 constexpr std::initializer_list<std::uint8_t> idQuestion = {0x1d, 0x28, 0x48, 0x06, 0x00, 0x30,
                                                             0x30, 'A',  'B',  'C',  'D'};
 constexpr std::initializer_list<std::uint8_t> inOrderQuestion = {0x1d, 0x72, 0x01};
-// A job that contains this question is not confirmed by the in-order proof, because the answer
-// looks like an in-order answer.
+// The answer to this question looks like the answer to inOrderQuestion. The in-order proof counts
+// such answers, so it does not confirm a job that contains this question.
 constexpr std::initializer_list<std::uint8_t> paperQuestion = {0x1b, 0x76};
 
 /// A line of letters that no other line has.
@@ -62,8 +62,8 @@ std::string anyReply(Dice& dice) {
   return dice.oneIn(2) ? anyKind(dice) : std::to_string(dice.between(1, 20));
 }
 
-// Each fault adds at most one byte that looks like an in-order answer. A count of the
-// answers can detect one such byte, but not two.
+// Each fault adds at most one byte that looks like an answer to inOrderQuestion. The in-order proof
+// counts the answers. So it can detect one such byte, but not two.
 void addFault(Case& made, Dice& dice) {
   auto add = [&made](const char* name, const std::string& value) {
     made.faults.emplace_back(name, value);

@@ -42,8 +42,8 @@ PrintResult printOn(const std::shared_ptr<ExternalAccessoryPort>& port, const By
 
 }  // namespace
 
-/// Counts the written bytes if they are the next bytes of the job. A command of the port itself is
-/// not counted, unless the job's data contains a mark or a request as the port sends it.
+/// Counts the written bytes if they are the next bytes of the job. A command that the port itself
+/// adds is not counted, unless the next bytes of the job are the same command.
 std::int64_t Witness::write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) {
   const auto rest = std::span(data_).subspan(taken_);
   const bool isOfTheJob = count <= rest.size() && std::equal(buffer, buffer + count, rest.begin());
@@ -102,7 +102,8 @@ PrintResult World::printAgain(const ByteBuffer& data) {
 
 void World::recover() {
   accessory_->setFaults({});
-  platform_->clock().usleep(10000000);  // later than the last change in `turns`
+  // After these 10 s, the case changes no flag any more.
+  platform_->clock().usleep(10000000);
   for (const Turn& turn : given_.turns) {
     set(turn.flag, false);
   }

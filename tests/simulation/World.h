@@ -21,7 +21,7 @@ class Witness : public test::Fault {
   std::int64_t write(NSOutputStream& next, const std::uint8_t* buffer, std::size_t count) override;
 
   /// How many bytes of the job the link has taken. The count may be wrong if the job's data
-  /// contains a mark or a request, because the port sends the same bytes itself.
+  /// contains a command that the port itself sends to learn the job's result.
   std::size_t taken() const { return taken_; }
 
   /// Whether a write has failed.
