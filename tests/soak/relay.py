@@ -19,10 +19,12 @@ FULL = 65536  # bytes on their way in one direction; at this number the sender m
 class Weather:
     """How the link behaves until it is cut, or until the next `set_weather`."""
 
-    slice: int = READ_SIZE  # bytes that arrive together
+    slice: int = READ_SIZE  # the size of a slice in bytes; the bytes of a slice arrive together
     rate: float = 0  # bytes a second; 0 means without a limit
     delay: float = 0  # seconds
-    cut_after: int | None = None  # the link is cut after so many bytes, in both directions, since `set_weather`; None: never
+    # The number of bytes after which the link is cut: all that have passed since `set_weather`, both directions added.
+    # None: never.
+    cut_after: int | None = None
 
 
 class Direction:
