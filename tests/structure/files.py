@@ -1,7 +1,7 @@
-"""Checks the names of files, and that the library of a folder takes all sources of the folder. Usage: files.py ROOT
+"""Checks the names of files, and looks for needless lists of sources in CMakeLists.txt. Usage: files.py ROOT
 
 A reader finds the class Foo in Foo.h and Foo.cpp, and its test in foo_test.cpp. If a folder has a single library,
-CMake searches the folder for the library's sources. No list names them, so a new source cannot be missing from a list.
+CMake finds the library's sources in the folder. No list names them, so a new source cannot be missing from a list.
 """
 
 import re
@@ -28,7 +28,7 @@ def badly_named(path: Path, text: str) -> str | None:
 
 
 def lists_its_sources(text: str) -> bool:
-    """Whether a folder with a single library lists its sources. The list is needless: the library takes all of them."""
+    """Whether this CMakeLists.txt has a single library and lists its sources, which CMake would find in the folder."""
     libraries = LIBRARY.findall(text)
     return len(libraries) == 1 and bool(re.search(r"\bSOURCES\s[^)]*\.cpp", libraries[0]))
 

@@ -1,7 +1,7 @@
 """Checks the includes of each room. Usage: include_rules.py ROOT
 
-Each folder is a room of its own. RULES says whose headers its files may include. A room that is not in RULES may
-include everything.
+A room is a folder. RULES lists, for a room, the other rooms whose headers its files may include. The files of a room
+that is not in RULES may include everything.
 """
 
 import re
@@ -33,8 +33,11 @@ EVERY_SYSTEM_HEADER = None
 
 @dataclass(frozen=True)
 class Rule:
-    place: str  # a folder or a pattern of files, from the root; the longest place that matches a file applies
-    rooms: tuple[str, ...]  # the rooms whose headers the files may include; headers of the same place are always allowed
+    # The folder, or the pattern of file names, to which the rule applies, as a path from the root of the tree. If
+    # several rules match a file, the one with the longest path applies.
+    place: str
+    # The rooms whose headers the files may include. Headers to which the same rule applies are always allowed.
+    rooms: tuple[str, ...]
     headers: set[str] | None  # the headers in angle brackets that the files may include; None: all
     forbidden: str = ""  # a pattern that no line of the files may contain
 
@@ -108,7 +111,7 @@ def is_in(path: str, room: str) -> bool:
 
 
 def included(root: Path, source: Path, quote: str, name: str) -> str | None:
-    """The project's file that the directive means, from the root; None for an outside header."""
+    """The project's header that an #include names, as a path from the root of the tree; None for any other header."""
     if quote == "<":
         public = f"{PUBLIC}/{name}"
         return public if (root / public).is_file() else None

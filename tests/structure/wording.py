@@ -1,7 +1,7 @@
-"""Words that no text of the project may contain. Usage: wording.py ROOT
+"""Finds words that no text of the project may contain. Usage: wording.py ROOT
 
-A text states its reasons itself. It does not refer to a paper, a tracker or a machine that the reader does not have.
-Every text file ends with one line feed.
+A text must state its reasons itself. It must not refer to a paper, a tracker or a machine that the reader does not
+have. Every text file must end with exactly one line feed.
 """
 
 import re
