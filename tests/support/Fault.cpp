@@ -94,7 +94,7 @@ class Disconnected : public Fault {
   bool isConnected(EAAccessory&) override { return false; }
 };
 
-/// The link is lost at the first question, connected at the second, lost at the third, and so on.
+/// The calls of `isConnected` return false, true, false, true, and so on.
 class Reconnecting : public Fault {
  public:
   Reconnecting() : Fault("reconnect") {}

@@ -12,8 +12,8 @@ class FaultyAccessory : public virtuals::VirtualAccessory {
  public:
   using VirtualAccessory::VirtualAccessory;
 
-  /// Replaces the faults with which later sessions begin; the present session keeps its faults. May
-  /// be called from any thread.
+  /// Sets the faults of later sessions; the present session keeps its faults. May be called from
+  /// any thread.
   void setFaults(simulator::Faults faults) {
     const std::lock_guard lock(inside().mutex);
     inside().faults = std::move(faults);

@@ -271,7 +271,7 @@ class FaultyPlatform::Parts {
     return runLoops_.try_emplace(&next, next, plan).first->second;
   }
 
-  Platform& below;  // the FaultyPlatform keeps it alive
+  Platform& below;  // valid while the FaultyPlatform exists
   const Plan plan;
   FaultyManager manager;
   FaultyDevice device;

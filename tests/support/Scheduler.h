@@ -21,7 +21,7 @@ using Instant = std::chrono::nanoseconds;
 /// the wait that began first ends first.
 class Scheduler {
  public:
-  /// One thread of a scheduler. `adopt` makes it; it is valid from then until `end` or `disown`.
+  /// One thread of a scheduler. `adopt` makes it. It is valid until `end` or `disown`.
   class Thread {
     friend class Scheduler;
     std::condition_variable turn_;
@@ -30,7 +30,7 @@ class Scheduler {
     std::optional<std::pair<Instant, std::uint64_t>> due_;
   };
 
-  /// The calling thread becomes the first one and has the turn.
+  /// Makes the calling thread the scheduler's first thread, which has the turn.
   Scheduler();
 
   Scheduler(const Scheduler&) = delete;
@@ -66,7 +66,8 @@ class Scheduler {
   void wake(Thread& thread);
 
   /// Runs `event` at `instant`, before all threads that are due at that instant. The event runs on
-  /// the thread that gave up the turn last, and must not wait.
+  /// the thread that most recently had the turn, while this thread waits or ends. The event must
+  /// not wait.
   void at(Instant instant, std::function<void()> event);
 
  private:

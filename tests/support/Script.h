@@ -24,7 +24,7 @@ struct Piece {
 using Reply = std::vector<Piece>;
 
 /// All actions of a link, given in advance: the same script gives the same run. Times are seconds
-/// after the start of the operation under test. Without such an action, the link takes
+/// after the start of the operation under test. Unless the script says otherwise, the link takes
 /// each byte immediately and is not lost.
 struct Script {
   struct Answer {
@@ -44,7 +44,9 @@ struct Script {
   Expects expects = Expects::Always;
 
   // -- Output -------------------------------------------------------------------------------------
-  std::vector<std::size_t> attempts;  // bytes that each `write:` sends; later calls send all
+  // How many bytes the first `write:` sends, how many the second sends, and so on. A `write:` after
+  // the last of these sends all its bytes.
+  std::vector<std::size_t> attempts;
   std::optional<std::size_t> mostPerWrite;
   double noSpaceUntil = 0;
   std::map<std::size_t, std::int64_t> writeResults;  // key: the number of the write, from 1

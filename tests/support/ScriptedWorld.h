@@ -35,7 +35,7 @@ class ScriptedWorld {
   Trace& trace() { return trace_; }
 
  private:
-  Trace trace_;  // first, because the other members write to it until they are destroyed
+  Trace trace_;  // the first member, because the others write to it until they are destroyed
   const std::int64_t startMicroseconds_;
   const std::shared_ptr<test::VirtualPlatform> machine_;
   const std::shared_ptr<ScriptedLink> link_;

@@ -152,7 +152,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// How often the `length` lines at `place` occur there in a row; at least 1.
+/// How many times the group of `length` lines at `place` occurs in succession; at least 1.
 std::size_t repetitions(const Texts& lines, std::size_t place, std::size_t length) {
   std::size_t count = 1;
   while (place + (count + 1) * length <= lines.size() &&

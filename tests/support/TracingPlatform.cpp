@@ -102,7 +102,7 @@ class TracingSession : public EASession {
     try {
       trace_.note(About::Lifecycle, "session.release");
     } catch (const std::bad_alloc&) {
-      // If a test makes memory run short, the trace lacks this line.
+      // If a test lets allocations fail, the trace may not show the release.
     }
   }
 
