@@ -6,7 +6,7 @@ import socket
 
 from harness import DEADLINE, Case, main, receive
 
-# The numbers of the profile escpos-80, and Python's names of the same pages.
+# The code pages of the profile escpos-80: the number of each page, and Python's name for it.
 COMMON = {0: "cp437", 2: "cp850", 3: "cp860", 4: "cp863", 5: "cp865", 13: "cp857", 14: "cp737", 15: "iso8859-7",
           16: "cp1252", 17: "cp866", 18: "cp852", 19: "cp858", 21: "cp874", 32: "cp720", 33: "cp775", 34: "cp855",
           35: "cp861", 36: "cp862", 37: "cp864", 38: "cp869", 39: "iso8859-2", 40: "iso8859-15", 44: "cp1125",
@@ -16,7 +16,7 @@ MISSING = "\ufffd"
 
 
 def character(page: str, byte: int) -> str:
-    """The character that printers print for this byte of the page. A control character counts as missing."""
+    """The character that printers print for this byte of a code page; MISSING if there is none, or a control character."""
     if (page, byte) == ("cp857", 0xd5):
         return "€"  # printers print the euro sign here; Python's table has no character
     text = codecs.decode(bytes([byte]), page, "replace")

@@ -1,4 +1,4 @@
-"""The control lines of a running virtual printer."""
+"""Lines of JSON that control a running virtual printer."""
 
 import json
 import socket

@@ -32,7 +32,7 @@ def pieces_of(reply: bytes):
 
 
 class Asking(Case):
-    """Tests whose peers each serve one run of the command; the runs are parallel."""
+    """Tests in which each run of the command asks a printer of its own, so that many runs can be parallel."""
 
     def answer(self, replies: dict, *arguments: str):
         place = self.peer(answering(replies)).place

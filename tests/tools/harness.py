@@ -1,8 +1,8 @@
 """Functions and classes for all tests of the command `quorport`.
 
-They run the command and its virtual printer, and play printers that a test controls. Each wait is for an event,
-such as a line of output, a byte or the end of a process, and fails at a deadline. Only the printer of `in_pieces` sleeps
-for a fixed time, after the host has read a piece of the reply.
+They run the command and its virtual printer, and act as printers whose answers a test chooses. Each wait is for an
+event, such as a line of output, a byte or the end of a process, and fails at a deadline. Only the printer of
+`in_pieces` sleeps for a fixed time, after the host has read a piece of the reply.
 """
 
 import concurrent.futures
