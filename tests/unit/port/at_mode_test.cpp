@@ -87,7 +87,7 @@ TEST(AtCommandMode, ThrowsARangeErrorIfTheModuleAnswersOkWithoutAWholeAddress) {
   }
 }
 
-TEST(ModuleReply, IsTheSettingTitlePlusTheRequestedNumberOfCharacters) {
+TEST(ModuleReply, IsTheTitleOfTheSettingPlusTheRequestedNumberOfCharacters) {
   const Outcome run = receiving(address + fine).run(getPrinterResponse("*AILBA:", 12, 10000));
   EXPECT_EQ(run.result, "\"*AILBA:0011223344FF\"");
   EXPECT_EQ(run.records(reader),
@@ -98,7 +98,7 @@ TEST(ModuleReply, IsTheSettingTitlePlusTheRequestedNumberOfCharacters) {
             "End | *AILBA:, 12, 10000, -> *AILBA:0011223344FF\n");
 }
 
-TEST(ModuleReply, IsTheErrorEvenIfOtherTextPrecedesTheError) {
+TEST(ModuleReply, IsTheErrorTextEvenIfOtherTextArrivesFirst) {
   const Outcome run = receiving(fine + ascii("x") + failed).run(getPrinterResponse("T", 1, 1000));
   EXPECT_EQ(run.result, "\"\r\nERROR\r\n\"") << "the error is looked for first";
   EXPECT_NE(run.records(reader).find("[printerResponse rangeOfString:responseNG2].location != "

@@ -118,7 +118,7 @@ TEST(ButtonSecurityTimeout, IsNotReadIfItsRequestCannotBeWritten) {
   )"));
 }
 
-TEST(ButtonSecurityTimeout, IsAwaitedUntilTheTimeLimitEvenIfTheLinkIsLost) {
+TEST(ButtonSecurityTimeout, QueryWaitsUntilTheTimeLimitEvenIfTheLinkIsLost) {
   Scenario scenario = Scenario::in(lineMode, 1000);
   scenario.script.isLostAfterBytes(6);
   const Outcome run = scenario.run(retrieveButtonSecurityTimeout());

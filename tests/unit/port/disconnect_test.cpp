@@ -89,7 +89,7 @@ TEST(DropOfTheLink, ChecksTheLinkEvery300MillisecondsUntilTheTimeout) {
   )"));
 }
 
-TEST(DropOfTheLink, FailsWhenMoreWholeSecondsThanTheLimitHavePassed) {
+TEST(DropOfTheLink, FailsWhenTheElapsedWholeSecondsExceedTheTimeout) {
   const Outcome run = Scenario::in(lineMode, 10000).run(disconnectBluetoothConnection());
   EXPECT_NE(run.records(method).find("1000011, 1000000, 10"), std::string::npos);
 }

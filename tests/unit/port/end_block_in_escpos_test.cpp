@@ -163,7 +163,7 @@ TEST(EndBlockInEscPos, TreatsAReportWithoutACountAsMissing) {
   }
 }
 
-TEST(EndBlockInEscPos, UsesALateByteAfterAnIncompleteReportAsTheStatus) {
+TEST(EndBlockInEscPos, ReadsALateByteAsTheStatusAfterAnIncompleteReport) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(escPosEtb, {{bytes("1b 1d 03")}, {bytes("1a"), 0.15}});
   const Outcome run = scenario.run(endCheckedBlock());
@@ -218,7 +218,7 @@ TEST(EndBlockInEscPos, FailsWhenTheStatusRequestCannotBeSent) {
               failedBy("Fail to [self writeWithRetry:statusRequestData]: <self>, <address>"));
 }
 
-TEST(EndBlockInEscPos, FailsIfTheCommandToEndDataCancelCannotBeSentTwice) {
+TEST(EndBlockInEscPos, FailsIfTheSecondCommandToEndDataCancelCannotBeSent) {
   Scenario scenario = escPosPrinter();
   scenario.script.writeReturns(3, -1);
   const Outcome run = scenario.run(endCheckedBlock());
@@ -255,7 +255,7 @@ TEST(EndBlockInEscPos, FailsIfTheFinalStatusIsInvalid) {
           "Fail to [self getParsedStatus:quorPrinterStatus level:level]: <self>, <status>, 5"));
 }
 
-TEST(EndBlockInEscPos, SucceedsWithoutAReportEvenIfAnOffLinePrinterIsOnLineAgainAtTheEnd) {
+TEST(EndBlockInEscPos, SucceedsWithoutAReportIfThePrinterWasOffLineOnlyAtFirst) {
   Scenario scenario = escPosPrinter();
   scenario.script.whenAsked(drawerQuery, whole(bytes("1a")));
   const Outcome run = scenario.run(endCheckedBlock());

@@ -59,7 +59,7 @@ TEST(RetryingWriter, SendsTheWholeCommandAfterAttemptsThatSentNothing) {
   )"));
 }
 
-TEST(RetryingWriter, StopsEarlyIfTheSentTotalEqualsTheSizeOfTheLastAttempt) {
+TEST(RetryingWriter, StopsEarlyIfTheTotalSentEqualsTheNumberOfBytesLastOffered) {
   const Outcome run = takingInAttempts({3, 2}).run(writeWithRetry(command));
   EXPECT_EQ(run.result, "5");
   EXPECT_EQ(run.sent(), bytes("01 02 03 04 05")) << "three bytes remain unsent";
@@ -98,7 +98,7 @@ TEST(RetryingWriter, EndsItsRepetitionWhenTheLinkIsLost) {
   EXPECT_LT(run.sent().size(), 10000U + 5U);
 }
 
-TEST(RetryingWriter, FailsWhenMoreWholeSecondsThanTheTimeoutHavePassed) {
+TEST(RetryingWriter, FailsWhenTheElapsedWholeSecondsExceedTheTimeout) {
   Scenario scenario = Scenario::in(lineMode, 2000);
   scenario.script.hasNoSpace();
   const Outcome run = scenario.run(writeWithRetry(command));

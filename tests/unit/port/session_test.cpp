@@ -202,7 +202,7 @@ class CountingSession : public ForwardingSession {
   int& abandoned_;
 };
 
-TEST(PortSession, IsAbandonedByAbandonOutputOnlyWhileThePortIsOpen) {
+TEST(PortSession, IsAbandonedOnlyWhileThePortIsOpen) {
   int abandoned = 0;
   ScriptedWorld world({}, {shopPrinter()},
                       SessionsChanged::layer([&abandoned](std::shared_ptr<EASession> next) {
