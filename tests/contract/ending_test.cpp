@@ -88,7 +88,7 @@ TEST_P(LinkContract, BytesThatArrivedBeforeAWriteErrorCanBeRead) {
   EXPECT_TRUE(isLost());
 }
 
-TEST_P(LinkContract, ACallOfNoticeLossReportsALostLinkEvenIfBytesAreUnread) {
+TEST_P(LinkContract, ACheckForLossReportsALostLinkEvenIfBytesAreUnread) {
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));
   peer->close();
@@ -98,7 +98,7 @@ TEST_P(LinkContract, ACallOfNoticeLossReportsALostLinkEvenIfBytesAreUnread) {
   }));
 }
 
-TEST_P(LinkContract, ACallOfNoticeLossLeavesAWorkingLinkConnected) {
+TEST_P(LinkContract, ACheckForLossLeavesAWorkingLinkConnected) {
   accessory->noticeLoss();
   peer->write({1, 2, 3});
   ASSERT_TRUE(eventually([this] { return input->hasBytesAvailable(); }));

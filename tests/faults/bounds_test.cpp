@@ -83,7 +83,7 @@ TEST(TimeBounds, TheDrainOfTheInputEndsWhenTheLinkIsLost) {
   EXPECT_NEAR(outcome.seconds, 90, 2);
 }
 
-TEST(TimeBounds, ApplyToAllOfACallExceptItsLoopWithoutATimeout) {
+TEST(TimeBounds, ApplyToEveryPartOfACallExceptALoopThatHasNoTimeout) {
   Scenario scenario = Scenario::in(escPos, 1000);
   scenario.script.wheneverAsked(bytes("10 04 01"), {{bytes("00"), 0.05}}).isLost(100);
   const Call call = endCheckedBlock();

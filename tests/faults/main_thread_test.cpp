@@ -137,7 +137,7 @@ class MainThreadSweep : public testing::TestWithParam<bool> {
   }
 };
 
-TEST_P(MainThreadSweep, ACreationAnOpenOrACloseEndsInADocumentedWayAfterAnyFault) {
+TEST_P(MainThreadSweep, CreatingOrOpeningOrClosingAPortEndsInADocumentedWayAfterAnyFault) {
   std::uint64_t strikes = 0;
   std::vector<MakeFault> faults = allFaults();
   faults.insert(faults.end(), threadFaults().begin(), threadFaults().end());

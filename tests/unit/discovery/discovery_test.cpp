@@ -89,7 +89,7 @@ TEST_F(DiscoveryTest, FindsNothingOnAMachineWithoutPrinters) {
   EXPECT_TRUE(found().empty());
 }
 
-TEST_F(DiscoveryTest, FindsAUsbPrinterWithItsTextsAsReachable) {
+TEST_F(DiscoveryTest, ReportsTheTextsOfAUsbPrinterAndThatItIsReachable) {
   plugInPrinter(0, "MFG:Quor Dalvane;MDL:XQ700;", "S 1/7");
   const FoundDevice printer = found().at(0);
   EXPECT_EQ(printer.device, "usb:S 1/7");

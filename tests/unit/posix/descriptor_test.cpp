@@ -203,7 +203,7 @@ TEST(BluetoothDescriptor, HasUndeliveredBytesIfTheSystemReportsLessFreeSpaceThan
   EXPECT_FALSE(link.hasUnderWay()) << "the system does not report the space";
 }
 
-TEST(LocalDescriptor, NeverReportsATimeWithoutAcknowledgement) {
+TEST(LocalDescriptor, NeverReportsThatTheOtherSideIsSilent) {
   int ends[2] = {-1, -1};
   ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
   const Descriptor link(ends[0], Descriptor::Kind::Socket);

@@ -151,7 +151,7 @@ TEST_F(LinkTest, BytesAreExpectedBetweenARequestAndItsAnswer) {
   }
 }
 
-TEST_F(LinkTest, AnAnswerIsCountedEvenIfReadAfterAWriteThatNeedsNoAnswer) {
+TEST_F(LinkTest, AnAnswerIsCountedEvenIfItIsReadAfterAWriteThatNeedsNoAnswer) {
   ASSERT_EQ(ask(), 1);
   deviceWrites(1);
   input->waitUntilReady(1);
@@ -169,7 +169,7 @@ TEST_F(LinkTest, ARequestRemainsUnansweredAfterALaterWriteThatNeedsNoAnswer) {
   EXPECT_TRUE(input->expectsBytes());
 }
 
-TEST_F(LinkTest, AnotherReplyIsExpectedAfterALateOneUntilAWaitFindsNoBytes) {
+TEST_F(LinkTest, AfterALateReplyASecondReplyIsExpectedUntilAWaitFindsNoBytes) {
   ASSERT_EQ(ask(), 1);
   input->waitUntilReady(0.01);
   ASSERT_EQ(ask(), 1);
@@ -238,7 +238,7 @@ TEST_F(LinkTest, TheFirstConnectionCheckReportsALostLinkWithoutARead) {
   EXPECT_FALSE(accessory.isConnected());
 }
 
-TEST_F(LinkTest, ACallOfNoticeLossReportsALostLinkEvenIfBytesAreUnread) {
+TEST_F(LinkTest, ACheckForLossReportsALostLinkEvenIfBytesAreUnread) {
   deviceWrites(3);
   ASSERT_EQ(::shutdown(device(), SHUT_WR), 0);
   accessory.noticeLoss();

@@ -45,7 +45,7 @@ class DeviceNotices : public testing::Test {
   int ends_[2] = {-1, -1};
 };
 
-TEST_F(DeviceNotices, ANoticeOfAPrinterOrSerialLineEndsAWaitAtOnce) {
+TEST_F(DeviceNotices, AWaitEndsAtOnceOnANoticeOfAPrinterOrASerialLine) {
   for (const auto notice : {printerIsThere, lineIsThere, printerIsGone}) {
     say(notice);
     EXPECT_TRUE(notices->await(10s));

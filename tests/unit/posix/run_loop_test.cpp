@@ -54,7 +54,7 @@ TEST(RunLoop, ASliceLastsItsWholeTimeOnTheMainThreadAndOnOtherThreads) {
   onThread(slice);
 }
 
-TEST(RunLoop, SignalsDoNotShortenASlice) {
+TEST(RunLoop, SignalsDoNotShortenATimeSliceOfTheLoop) {
   const SignalStorm storm;
   const Stopwatch watch;
   currentRunLoop().runUntilDate(0.05);
@@ -157,7 +157,7 @@ TEST(RunLoop, ARoutineThatArrivesAfterASliceRunsInTheNextSlice) {
   }
 }
 
-TEST(RunLoop, ARoutineThatRunsTheLoopRunsTheOtherWaitingRoutines) {
+TEST(RunLoop, WaitingRoutinesRunWhenAnotherRoutineRunsTheLoop) {
   std::atomic<bool> areWaiting = false;
   std::atomic<int> ran = 0;
   PosixThread thread([&] {

@@ -175,7 +175,7 @@ struct Owner {
   std::atomic<bool>& ended;
 };
 
-TEST(PosixThread, MayDestroyItsOwnerOnItsOwnThread) {
+TEST(PosixThread, MayDestroyItsOwner) {
   for (int i = 0; i < 200; ++i) {
     std::atomic<bool> calledItself = false;
     std::atomic<bool> ended = false;
@@ -233,7 +233,7 @@ class NoMoreThreads {
   pthread_attr_t before_;
 };
 
-TEST(PosixThread, DoesNotStartAndReleasesItsFunctionIfTheSystemRefusesAThread) {
+TEST(PosixThread, FailsToStartAndReleasesItsFunctionIfTheSystemRefusesAThread) {
   auto held = std::make_shared<int>();
   const std::weak_ptr<int> watched = held;
   bool ran = false;

@@ -103,7 +103,7 @@ TEST_F(UsbTest, IgnoresAFieldWithoutAValueInTheDeviceId) {
   EXPECT_EQ(printer.model, "T");
 }
 
-TEST(UsbPrinter, IsIdentifiedByUsbFieldsAndByDeviceFileIfItLacksASerialNumber) {
+TEST(UsbPrinter, IsIdentifiedByUsbFieldsAndWithoutASerialNumberAlsoByDeviceFile) {
   const UsbPrinter one{"/dev/usb/lp0", "04b8", "0202", "S1", "Maker", "Model"};
   const UsbPrinter elsewhere{"/dev/usb/lp1", "04b8", "0202", "S1", "Maker", "Model"};
   EXPECT_TRUE(one.isSameDevice(elsewhere));

@@ -46,7 +46,7 @@ TEST_F(VirtualThreadTest, RefusesARoutineAfterTheThreadHasEnded) {
   EXPECT_FALSE(thread_->performAndWait([] { FAIL() << "was performed"; }));
 }
 
-TEST_F(VirtualThreadTest, ThrowsIfAThreadOutsideItsScheduleWaits) {
+TEST_F(VirtualThreadTest, AWaitThrowsOnAThreadThatTheSchedulerDoesNotKnow) {
   ASSERT_TRUE(thread_->start());
   std::thread([&] {
     EXPECT_THROW(thread_->performAndWait([] { FAIL() << "was performed"; }), std::logic_error);

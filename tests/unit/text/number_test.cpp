@@ -7,7 +7,7 @@
 namespace quordalvane {
 namespace {
 
-TEST(Number, MustBeTheWholeText) {
+TEST(Number, IsReadOnlyIfTheTextContainsNothingElse) {
   EXPECT_EQ(numberIn<std::uint16_t>("9100"), 9100);
   EXPECT_EQ(numberIn<int>("-7"), -7);
   EXPECT_EQ(numberIn<unsigned>("fF", 16), 255U);
