@@ -35,7 +35,7 @@ TEST_F(ReleaseOfAHeldJob, IsAttributedToAPersonIfTheSchedulerThatHeldTheJobStill
   EXPECT_TRUE(isReleased(told, told - 1, {}));
 }
 
-TEST_F(ReleaseOfAHeldJob, IsAttributedToAPersonIfTheEarlierSchedulerRecordedTheHold) {
+TEST_F(ReleaseOfAHeldJob, IsAttributedToAPersonIfTheSchedulerRecordedTheHoldBeforeItsRestart) {
   EXPECT_TRUE(isReleased(told, told + 90'000, recordOf(told + 30'000)));
 }
 

@@ -43,7 +43,7 @@ class Hearing : private TransferObserver {
   EscPosAnswers answers_;
 };
 
-TEST(WaitForLateAnswers, EndsAfterTwoRequestsEachAnsweredOnceAndFollowedByOneSecondOfSilence) {
+TEST(WaitForLateAnswers, EndsAfterTwoRequestsWithOneAnswerAndOneSecondOfSilenceEach) {
   Hearing hearing;
   EXPECT_TRUE(hearing.hearOut());
   EXPECT_EQ(hearing.answers(), 2U);

@@ -38,7 +38,7 @@ TEST(OwedAnswers, AreCountedForEachRequest) {
   EXPECT_FALSE(answers.isAnyOwed());
 }
 
-TEST(OwedAnswers, AreOwedForALaterRequestAfterSurplusAnswersAreForgotten) {
+TEST(OwedAnswers, AreNotReducedBySurplusAnswersThatWereForgotten) {
   OwedAnswers answers(ZKEmulationQuorLine);
   answers.read(statusBlock);
   answers.written(lineModeRequest);

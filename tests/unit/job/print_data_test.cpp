@@ -126,7 +126,7 @@ const Case cases[] = {
     {"a command's first byte at the end", {'a', 0x1b}, false, false},
 };
 
-TEST(ConfirmationObstacle, IsNotFoundInsideACountedPayload) {
+TEST(ReasonWhyACheckedBlockCannotConfirm, IsNotFoundInsideACountedPayload) {
   for (const Case& row : cases) {
     EXPECT_EQ(!confirmationObstacle(row.data, ZKEmulationQuorLine), row.confirmableInLineMode)
         << row.what;
@@ -135,7 +135,7 @@ TEST(ConfirmationObstacle, IsNotFoundInsideACountedPayload) {
   }
 }
 
-TEST(ConfirmationObstacle, IsFoundAfterMoreThan32TabStops) {
+TEST(ReasonWhyACheckedBlockCannotConfirm, IsFoundInAnImageAfterMoreThan32TabStops) {
   const Bytes image = {0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0x17};
   for (const int count : {32, 33}) {
     Bytes data = {0x1b, 0x44};
@@ -148,14 +148,14 @@ TEST(ConfirmationObstacle, IsFoundAfterMoreThan32TabStops) {
   }
 }
 
-TEST(ConfirmationObstacle, NamesTheCommandAndItsOffset) {
+TEST(ReasonWhyACheckedBlockCannotConfirm, NamesTheCommandAndItsOffset) {
   Bytes data(1500, 'x');
   data[1204] = 0x17;
   EXPECT_THAT(confirmationObstacle(data, ZKEmulationESCPOS).value_or(""),
               HasSubstr("an end-of-block mark (17) at byte 1,204"));
 }
 
-TEST(ConfirmationObstacle, NamesAnUnknownCommandThatPrecedesAnEndMark) {
+TEST(ReasonWhyACheckedBlockCannotConfirm, NamesAnUnknownCommandThatPrecedesAnEndMark) {
   EXPECT_THAT(
       confirmationObstacle(Bytes{'a', 0x1b, 0xff, 'b', 0x17}, ZKEmulationESCPOS).value_or(""),
       HasSubstr("the command at byte 1 is unknown"));
@@ -219,7 +219,7 @@ TEST(CommandEnd, IsTheEndOfTheCommandThatContainsTheOffset) {
   EXPECT_EQ(commandEnd(Bytes{0x1b, 0xff, 0x1d, 0x76}, 3), 3U) << "nobody knows";
 }
 
-TEST(ReasonAgainstAQueryAfterTheData, IsACommandThatMakesThePrinterDropData) {
+TEST(ReasonWhyAQueryProvesNothing, MayBeACommandThatMakesThePrinterDropData) {
   EXPECT_EQ(endSignObstacle(Bytes{'a', '\n'}), std::nullopt);
   for (const Bytes& data : {Bytes{'a', 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
@@ -229,12 +229,12 @@ TEST(ReasonAgainstAQueryAfterTheData, IsACommandThatMakesThePrinterDropData) {
   }
 }
 
-TEST(ReasonAgainstAQueryAfterTheData, IsAnIncompleteCommandAtTheEndOfTheData) {
+TEST(ReasonWhyAQueryProvesNothing, MayBeAnIncompleteCommandAtTheEndOfTheData) {
   EXPECT_THAT(endSignObstacle(Bytes{'a', 0x1d, 0x76, 0x30, 0, 1, 0, 2, 0, 0xff}).value_or(""),
               HasSubstr("the data ends inside the command that begins at byte 1"));
 }
 
-TEST(ReasonAgainstAQueryAfterTheData, InsideAnImageIsOnlyTheRealTimeClearCommand) {
+TEST(ReasonWhyAQueryProvesNothing, IsNotFoundInsideAnImageExceptTheRealTimeClearCommand) {
   for (const Bytes& before : {Bytes{}, Bytes{'a'}}) {
     Bytes data = before;
     data.insert(data.end(), {0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x1b, 0x1d, 0x03});
@@ -273,7 +273,7 @@ TEST(InOrderRequests, CannotBeCountedInDataThatContainsAGraphicsQuery) {
   EXPECT_TRUE(inOrderRequestsIn(Bytes{0x1d, 0x28, 0x4c, 0x01, 0x00, 0x30})) << "no function";
 }
 
-TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrASimilarlyAnsweredRequest) {
+TEST(InOrderRequests, CannotBeCountedAfterAnUnknownCommandOrARequestWithASimilarAnswer) {
   for (const char* const data :
        {"1b ff 61 1d 72 01", "1b ff 61 1b 76", "1c 1d 72 01", "1d 49 41", "1b 76", "1b 75 00",
         "1b 06 01", "1b 23 2a 0a 00", "1d 28 45 02 00 04 01", "1d 28 4c 02 00 30 00",

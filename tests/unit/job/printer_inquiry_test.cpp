@@ -111,7 +111,7 @@ TEST(PrinterInquiry, FailsWithoutAKnownEmulation) {
   EXPECT_EQ(causeOf([&] { asked.inquiry.firmware(); }), InquiryCause::UnknownEmulation);
 }
 
-TEST(PrinterInquiry, WaitsForTheRestOfAFirstAnswerInPieces) {
+TEST(PrinterInquiry, WaitsForTheRestOfAnIncompleteFirstAnswer) {
   Script script;
   const test::Bytes head(offLine.begin(), offLine.begin() + 1);
   const test::Bytes rest(offLine.begin() + 1, offLine.end());

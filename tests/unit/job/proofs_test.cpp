@@ -91,7 +91,7 @@ TEST(PrinterWithoutProof, IsAskedForProofsOnlyOnceOnAPort) {
   EXPECT_EQ(second.outcome, PrintOutcome::Unconfirmed);
 }
 
-TEST(PrinterWithoutProof, IsStillExpectedToAnswerTheInOrderRequestWhenTheJobEnds) {
+TEST(PrinterWithoutProof, StillOwesAnInOrderAnswerAfterTheJobHasEnded) {
   Till till = tillWith(printerWith("none"));
   EXPECT_TRUE(memoryOf(till.port).owed.empty());
   PrintJob(till.port).run(receiptText);

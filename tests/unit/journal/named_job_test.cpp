@@ -262,7 +262,7 @@ TEST_P(NamedJobTest, ALaterAttemptIsNotMarkedAsReportedToAPerson) {
   EXPECT_FALSE(NamedJob(journal, request("receipt 1"), receiptText).answer()->told);
 }
 
-TEST_P(NamedJobTest, AJobIsRecordedAsPrintedEvenIfItWasMarkedAsReportedWhilePrinting) {
+TEST_P(NamedJobTest, AJobIsRecordedAsPrintedEvenIfAPersonWasInformedDuringPrinting) {
   Journal journal(file);
   NamedJob printing(journal, request("receipt 1"), receiptText);
   PrintJob job(till.port, printing.recorded({.progress = [this](const PrintProgress& progress) {

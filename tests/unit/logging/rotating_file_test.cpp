@@ -97,7 +97,7 @@ TEST_F(RotatingFileTest, NeverRotatesIfTheMaximumSizeIsZero) {
   EXPECT_EQ(contents(), "aaa\nbbb\n");
 }
 
-TEST_F(RotatingFileTest, WritesATooLongLineToItsOwnFile) {
+TEST_F(RotatingFileTest, WritesATooLongLineToASeparateFile) {
   RotatingFile file(path_, {.maximumBytes = 4, .keptFiles = 5});
   put(file, {"a\n", "bbbbbbbb\n", "c\n"});
   EXPECT_EQ(contents(".2"), "a\n");

@@ -115,7 +115,7 @@ TEST(CallbackSink, EscapesMessageAndObjectAndPassesOtherFieldsUnchanged) {
   }).write(std::span(&record, 1));
 }
 
-TEST(CallbackSink, EscapesTheObjectEvenIfTheMessageNeedsNoEscape) {
+TEST(CallbackSink, EscapesTheObjectFieldEvenIfTheMessageFieldNeedsNoEscape) {
   LogRecord record = recordOf("plain");
   record.object = "c\nd";
   std::string seen;

@@ -24,7 +24,7 @@ TEST(PrintedImages, BeginAtTheHorizontalPositionThatTheJobSets) {
   EXPECT_GT(code.darkIn(100, 0, 63, 63), 500U);
 }
 
-TEST(PrintedImages, BeginInsideAPrintAreaThatBecomesNarrower) {
+TEST(PrintedImages, BeginInsideANarrowedPrintAreaEvenIfTheRequestedPositionIsOutside) {
   EXPECT_EQ(Print(hex("1b24 6400 1d57 3200") + square).darkIn(49, 0, 8, 8), 64U);
 }
 

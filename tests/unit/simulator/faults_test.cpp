@@ -374,7 +374,7 @@ TEST(InjectedFaults, HaveTheDocumentedNames) {
   EXPECT_FALSE(isFault("seed"));
 }
 
-TEST(Faults, ASecondCutFaultDoesNotChangeHowTheFirstEndedTheLink) {
+TEST(Faults, ASecondLinkCutDoesNotChangeHowTheLinkEnded) {
   Session session;
   session.link->addFault(parseFault("cut", "reset"), session.now);
   session.link->addFault(parseFault("cut", "drain"), session.now);

@@ -72,7 +72,7 @@ TEST(JobBytes, AreStoredUpToALimitAndCountedBeyondTheLimit) {
   EXPECT_EQ(longOne.count, JobBytes::mostKept + 100);
 }
 
-TEST(JobRecord, CountsOffsetsFromTheJobsBeginningAfterAnUnfinishedJob) {
+TEST(JobRecord, CountsOffsetsFromTheStartOfItsJobEvenIfTheEarlierJobWasIncomplete) {
   std::vector<JobRecord> records;
   VirtualPrinter printer(PrinterBuilder().keepReceived().state());
   printer.keepJobs([&](const Paper& paper) { records.push_back(paper.record()); });
@@ -88,7 +88,7 @@ TEST(JobRecord, CountsOffsetsFromTheJobsBeginningAfterAnUnfinishedJob) {
   EXPECT_EQ(records[1].unknown()[0].offset, 2U);
 }
 
-TEST(JobRecord, CountsOffsetsFromItsJobsBeginningEvenIfAnEarlierJobVanished) {
+TEST(JobRecord, CountsOffsetsFromTheStartOfItsJobEvenIfTheEarlierJobVanished) {
   std::vector<JobRecord> records;
   VirtualPrinter printer(PrinterBuilder().state());
   printer.keepJobs([&](const Paper& paper) { records.push_back(paper.record()); });
