@@ -23,7 +23,7 @@ class KilledBackEnd(ProgramCase):
         code, said = self.run_to_end(self.start(self.printer, self.receipt, options=f"job-uuid={call}", under=under))
         return code, "STATE: paused\n" in said, printed(self.printer) > before
 
-    def test_a_back_end_killed_at_any_system_call_has_printed_or_stopped_the_queue(self):
+    def test_a_back_end_killed_at_any_system_call_has_printed_the_job_or_stopped_the_queue(self):
         self.printer, self.receipt = self.simulator(), self.file("receipt", RECEIPT)
         call, code = 0, KILLED
         while code == KILLED:

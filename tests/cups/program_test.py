@@ -145,7 +145,7 @@ class SideChannel(ProgramCase):
         command, status, length = struct.unpack_from(">BBH", packet)
         return command, status, packet[4:4 + length]
 
-    def test_reports_the_identity_and_the_state_of_the_printer(self):
+    def test_the_back_end_reports_the_identity_and_the_state_of_the_printer(self):
         printer = self.simulator()
         printer.set(receiptPaperEmpty=True)
         process = self.start(printer, self.file("data", RECEIPT), query="?model=T20&serial=4711", channel=self.theirs)
@@ -162,7 +162,7 @@ class SideChannel(ProgramCase):
         printer.set(receiptPaperEmpty=False)
         self.assertEqual(process.wait(DEADLINE), DONE)
 
-    def test_answers_a_drain_request_only_after_the_data_is_printed(self):
+    def test_the_back_end_answers_a_drain_request_only_after_the_data_is_printed(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, self.file("data", RECEIPT), channel=self.theirs)
@@ -177,7 +177,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(self.answer(), (DRAIN, OK, b""))
         self.assertEqual(process.wait(DEADLINE), DONE)
 
-    def test_reports_a_failed_drain_if_the_link_is_lost(self):
+    def test_the_back_end_reports_a_failed_drain_if_the_link_is_lost(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, self.file("data", RECEIPT * 40), channel=self.theirs)
@@ -189,7 +189,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(self.answer(), (DRAIN, IO_ERROR, b""))
         self.assertEqual(process.wait(DEADLINE), HOLD)
 
-    def test_immediately_refuses_a_drain_request_while_data_is_arriving(self):
+    def test_the_back_end_immediately_refuses_a_drain_request_while_data_is_arriving(self):
         printer = self.simulator()
         process = self.start(printer, channel=self.theirs)
         process.stdin.write(RECEIPT)
@@ -202,7 +202,7 @@ class SideChannel(ProgramCase):
         self.assertEqual(process.wait(DEADLINE), DONE)
         self.assertEqual(printed(printer), 2 * len(RECEIPT))
 
-    def test_answers_a_drain_request_after_the_data_pipe_is_closed(self):
+    def test_the_back_end_answers_a_drain_request_after_the_data_pipe_is_closed(self):
         printer = self.simulator()
         printer.set(coverOpen=True)
         process = self.start(printer, channel=self.theirs)

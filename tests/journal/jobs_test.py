@@ -106,7 +106,7 @@ class NamedJobs(Case):
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--again", data=RECEIPT))
         self.assertExit(2, run("-d", "virtual:", "print", "-", "--journal", self.journal, data=RECEIPT))
 
-    def test_every_json_answer_of_a_named_job_has_its_keys(self):
+    def test_json_answers_to_usage_errors_of_named_jobs_contain_job_attempt_and_repeated(self):
         for arguments in (("-d", "virtual:", "print", "--job", "one"),  # no file
                           ("print", "-", "--job", "one"),  # no device
                           ("-d", "virtual:", "print", self.folder / "missing", "--job", "one"),

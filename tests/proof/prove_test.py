@@ -78,7 +78,7 @@ class ProofRows(Folder):
             self.assertEqual(self.run_row(self.counting(3))["cases"], "3")
         self.assertEqual(self.runs(), ["0", "1", "2"])
 
-    def test_a_row_that_needs_more_program_runs_repeats_no_finished_run(self):
+    def test_no_finished_run_is_repeated_if_a_row_needs_further_program_runs(self):
         self.run_row(self.counting(2))
         self.assertEqual(self.run_row(self.counting(4))["cases"], "4")
         self.assertEqual(self.runs(), ["0", "1", "2", "3"])

@@ -174,7 +174,7 @@ class FileNames(SmallTree):
         self.assertTrue(self.objects_to("tests/unit/job/PrintJob_test.cpp", "TEST_F(A, B) {}\n"))
         self.assertTrue(self.objects_to("tests/unit/job/print_job.cpp", "TEST(A, B) {}\n"))
 
-    def test_a_folder_with_one_library_that_lists_its_sources_is_reported(self):
+    def test_a_list_of_sources_is_reported_in_a_folder_with_only_one_library(self):
         self.assertFalse(self.objects_to("job/CMakeLists.txt", "quor_library(quor_job LINKS quor_port)\n"))
         self.assertTrue(self.objects_to("job/CMakeLists.txt", "quor_library(quor_job SOURCES A.cpp LINKS quor_port)\n"))
 

@@ -92,7 +92,7 @@ class DipSwitches(Asking):
                  "-t", "1000", "dipswitch")
                 for bank in (1, 2) for words, _ in pieces_of(bank_reply(bank, b"\x45\x02")))
 
-    def test_button_security_is_zero_if_off_and_otherwise_set_time_plus_time_out(self):
+    def test_button_security_is_zero_if_it_is_off_and_otherwise_its_setting_plus_the_time_out(self):
         def check(timeout: int, setting: int, milliseconds: int):
             replies = banks(bytes([setting << 6 | 0x0a, 0x0a]))
             self.assertEqual(self.answer(replies, "-t", str(timeout), "button-security"),
@@ -102,7 +102,7 @@ class DipSwitches(Asking):
                 for timeout in (1001, 12345, 4294967295) for setting, time in enumerate((20000, 10000, 5000)))
         at_once((check, timeout, 3, 0) for timeout in (1001, 4294967295))
 
-    def test_button_security_adds_even_a_very_short_time_out_to_the_set_time(self):
+    def test_button_security_adds_even_a_very_short_time_out_to_its_setting(self):
         """With so short a time-out, only the built-in printer is sure to answer in time."""
         for timeout in (0, 1, 999):
             result = run("-d", "virtual:,dip1=4a0a", "-t", str(timeout), "button-security", "--json")

@@ -82,7 +82,7 @@ class MonitorChanges(Case):
         answers.set()
         self.assertEqual(self.change(monitor)["state"], "ready")
 
-    def test_monitor_rewrites_a_status_line_below_the_changes_on_a_terminal(self):
+    def test_on_a_terminal_monitor_rewrites_a_status_line_below_the_list_of_changes(self):
         master, terminal = pty.openpty()
         self.addCleanup(os.close, master)
         arguments = ("monitor", *QUICK, "--count", "3", "-d", "virtual:connectedInterface=0")

@@ -190,7 +190,7 @@ class ReceiptOption(Case):
         self.assertIn("virtual:", result.err)
         self.assertEqual(contacted, [])
 
-    def test_the_receipt_file_contains_the_print_of_the_printer_chosen_by_port_name(self):
+    def test_the_receipt_file_contains_the_paper_of_the_printer_that_the_port_name_chooses(self):
         target = self.folder / "receipt.txt"
         peer = self.peer(lambda connection: None)
         self.assertExit(0, run("-d", peer.place, "-d", "virtual:B", "-p", "BT:B", "print", "-", "--receipt", target,

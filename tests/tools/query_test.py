@@ -117,7 +117,7 @@ class ListCommand(Case):
     def chosen(self, *arguments: str) -> list[str]:
         return [accessory["name"] for accessory in self.listed(*arguments) if accessory["chosen"]]
 
-    def test_list_shows_every_key_of_an_accessory_with_the_value_of_its_device(self):
+    def test_list_shows_all_keys_of_an_accessory_with_the_values_given_by_the_device_option(self):
         (accessory,) = self.listed("-d", "virtual:Till,serial=7,model=M1,protocol=a,protocol=b,id=18446744073709551615")
         self.assertEqual(set(accessory), self.KEYS)
         self.assertEqual(accessory, {
@@ -404,7 +404,7 @@ class DeviceOption(Case):
         self.assertExit(2, wrong)
         self.assertIn("QUORPORT_DEVICE: ", wrong.err)
 
-    def test_the_answer_of_a_failed_query_names_the_device(self):
+    def test_the_json_answer_and_the_error_of_a_failed_query_name_the_device(self):
         for command in ("status", "online", "firmware", "dipswitch", "button-security", "disconnect", "cancel"):
             place = self.refusing_place()
             self.assertEqual(run("-d", place, command, "--json").json()["device"], place)

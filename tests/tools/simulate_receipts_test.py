@@ -226,7 +226,7 @@ class JobRecords(Case):
         self.assertEqual(record["events"], [{"event": "display", "text": "Total 4.20"}])
         self.assertEqual((folder / "receipt-0001.txt").read_text(), "paper\n")
 
-    def test_a_qr_code_drawn_as_another_model_is_an_event_of_the_record(self):
+    def test_the_record_notes_that_a_qr_code_is_drawn_as_another_model(self):
         record, code, _ = self.record_of(b"\x1d(k\4\0001A1\0\x1d(k\5\0001P0hi\x1d(k\3\0001Q0", "--strict")
         self.assertEqual([event["event"] for event in record["events"]], ["replaced"])
         self.assertIn("model 2", record["events"][0]["text"])
@@ -275,7 +275,7 @@ class JobRecords(Case):
             self.assertIn("one", (folder / "receipt-0001.txt").read_text())
         self.assertIn("two", (self.folder / "cut" / "receipt-0002.txt").read_text())
 
-    def test_a_paper_cut_completes_a_record_with_per_job_and_not_with_per_connection(self):
+    def test_a_paper_cut_completes_a_record_per_job_but_not_a_record_per_connection(self):
         """With `--per job`, a paper cut gives a record. With `--per connection`, only the end of a connection does."""
         processes = {}
         for per in ("connection", "job"):

@@ -82,7 +82,7 @@ class HostsOption(Case):
 
         eventually(answers, "a host that comes after the first has left is served")
 
-    def test_with_the_option_hosts_turns_two_connected_hosts_print_alternately(self):
+    def test_two_connected_hosts_print_alternately_if_hosts_take_turns(self):
         folder = self.folder / "receipts"
         simulator = self.simulator("tcp:0", "--hosts", "turns", "--receipts", str(folder))
         with simulator.connect() as first, simulator.connect() as second:

@@ -194,7 +194,7 @@ class StandardStreams(Case):
                 self.assertExit(1, result)
                 self.assertIn("standard output", result.err)
 
-    def test_print_ends_as_unconfirmed_if_the_answer_of_a_printed_job_cannot_be_written(self):
+    def test_print_exits_with_6_if_a_job_is_printed_but_standard_output_is_full(self):
         for options in ((), ("--json",)):
             with open("/dev/full", "wb") as full:
                 result = run("-d", "virtual:", "print", "-", *options, data=b"text\n", stdout=full)
