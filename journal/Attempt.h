@@ -14,7 +14,7 @@ struct Attempt {
   std::string name;         ///< the name of the job
   std::int64_t number = 0;  ///< 1 for the job's first attempt, 2 for the next, and so on
   Fingerprint data = {};
-  std::string device = {};                 ///< the text of the device
+  std::string device = {};                 ///< the device text (see `DeviceSpec`)
   std::int64_t begun = 0;                  ///< the beginning, in milliseconds since 1970, UTC
   std::optional<std::int64_t> ended = {};  ///< the end, in the unit of `begun`; null before the end
   std::string outcome = {};  ///< the name of a `PrintOutcome`; "" before the attempt has ended

@@ -82,9 +82,9 @@ std::vector<JobRecord> Journal::jobs() {
   return records;
 }
 
-// A process may end a job after the rows of the job were read and before its lock is checked. So
-// the rows are read again until two readings are equal. A printed job counts as printed even if a
-// process holds its lock, because no process prints it again.
+// Another process may record the end of the job after `attempts` was read and before the lock on
+// the job's name is checked. So the rows are read again until two readings are equal. A printed job
+// counts as printed even if a process holds the lock, because no process prints it again.
 JobRecord Journal::jobOf(std::vector<Attempt> attempts) {
   while (!attempts.back().ended && !isBeingPrinted(attempts.back().name)) {
     auto later = attemptsOf(attempts.back().name);

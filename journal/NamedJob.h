@@ -40,12 +40,13 @@ struct NamedJobRequest {
 /// The result of a named job.
 struct NamedJobResult {
   PrintResult result;        ///< the result of the attempt that decides the job's state
-  std::int64_t attempt = 0;  ///< the number of the deciding attempt, from 1; 0 without an attempt
+  std::int64_t attempt = 0;  ///< the number of this attempt, from 1; 0 if there was no attempt
   bool isRepeated = false;   ///< true if an earlier call printed the job; this call sent nothing
 
-  /// Two times, in milliseconds since 1970, UTC: when the deciding attempt began, and when a person
-  /// was told that the outcome is unknown (see `NamedJob::tell`). Both times are set only if the
-  /// journal gave the answer and nothing was sent.
+  /// Two times, in milliseconds since 1970, UTC: `begun` is the time at which this attempt began,
+  /// and `told` the time at which a person was told that the outcome is unknown (see
+  /// `NamedJob::tell`). Both times are set only if the journal gave the answer and nothing was
+  /// sent.
   /// @{
   std::int64_t begun = 0;
   std::optional<std::int64_t> told = {};
@@ -108,8 +109,9 @@ class QUOR_EXPORT NamedJob {
   NamedJobResult run(PrintJob& job);
 
   /// Records the present time as the time at which a person learns that the outcome is unknown.
-  /// Later answers contain this time as `told`. Has no effect if the journal does not know the
-  /// name. Throws `JournalError` if the journal cannot be written.
+  /// The answers of later `NamedJob` objects with this name contain this time as `told`. Has no
+  /// effect if the journal does not know the name. Throws `JournalError` if the journal cannot be
+  /// written.
   void tell();
 
   /// Records `result` without running the job, for example because the printer could not be
