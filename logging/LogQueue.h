@@ -34,8 +34,8 @@ class LogQueue {
     /// included.
     std::uint64_t handedOver = 0;
 
-    /// How many of the records in `handedOver` were dropped: the queue was full, or `lose` was
-    /// called.
+    /// The number of records that were pushed and then lost, because the queue was full or because
+    /// `lose` was called. Records that were pushed into a closed queue are not included.
     std::uint64_t dropped = 0;
   };
 

@@ -72,9 +72,9 @@ class QUOR_EXPORT NSOutputStream : public NSStream {
   /// still returns true because some received bytes are unread. Returns false for a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
-  /// Says whether the accessory may answer the bytes of later writes. Before the first call, the
-  /// accessory may answer. A port calls this function before each write. Streams that count the
-  /// expected answers for `expectsBytes` use this information; other streams ignore it.
+  /// Sets whether the accessory may answer the bytes of later writes; the initial setting is true.
+  /// A port calls this function before each write. Streams that count the expected answers for
+  /// `expectsBytes` use this setting; other streams ignore it.
   virtual void setMayBeAnswered(bool /*mayBeAnswered*/) {}
 
   /// Writes at most `maxLength` bytes. Returns the number of bytes taken, which may be smaller than

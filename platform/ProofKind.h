@@ -17,9 +17,11 @@ enum class ProofKind : std::int32_t {
   Auto = QUOR_PROOF_AUTO,  ///< the printer is asked which of the other proofs it gives
   Block =
       QUOR_PROOF_BLOCK,  ///< the checked block: the printer counts the marks that enclose the data
-  /// A command with four random characters ends the job; the printer sends these characters back.
+  /// A command with four random characters follows the data; the printer sends these characters
+  /// back when it has processed the data.
   ProcessId = QUOR_PROOF_PROCESS_ID,
-  InOrder = QUOR_PROOF_IN_ORDER,  ///< the printer answers a query that ends the job
+  /// A query follows the data; the printer answers the query when it has processed the data.
+  InOrder = QUOR_PROOF_IN_ORDER,
 };
 
 /// The name and the description of a proof.
