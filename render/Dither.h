@@ -35,8 +35,8 @@ class Dither {
   std::size_t width_;
   std::size_t row_ = 0;
   std::vector<std::uint8_t> dots_;
-  // The errors of the current row and of the next one, in sixteenths of a grey level, with one
-  // additional column at both ends.
+  // The errors that earlier dots have spread to the current row and to the next row, in sixteenths
+  // of a grey level. Both rows have one additional column at each end.
   std::vector<int> errors_;
   std::vector<int> nextErrors_;
 };

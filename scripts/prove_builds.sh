@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # prove_builds.sh [OPTIONS of prove] [ROW …]: builds the programs that `./dev prove` needs for
-# these rows of its summary. Without rows, builds all programs.
+# these rows of the proof. Without rows, builds all programs.
 set -euo pipefail
 
 rows=()
@@ -13,7 +13,7 @@ while (($#)); do
   shift || true
 done
 
-wanted() { # wanted ROW …: succeeds if one of these rows is to be run
+wanted() { # wanted ROW …: succeeds if the script's arguments contain one of these rows, or no row
   ((${#rows[@]})) || return 0
   local row
   for row in "${rows[@]}"; do

@@ -117,7 +117,7 @@ functions: dict[str, Callable[..., object]] = {}
 def add(
     library: ctypes.CDLL, codes: dict[str, tuple[object, ...]], others: dict[str, tuple[object, tuple[object, ...]]]
 ) -> None:
-    """Declares the functions of a library: `codes` with those that return a code, `others` with the rest."""
+    """Declares functions of the library. The functions in `codes` return a code; those in `others` do not."""
     results: dict[str, tuple[object, tuple[object, ...]]] = {name: (INT, types) for name, types in codes.items()}
     for name, (result, arguments) in (results | others).items():
         found = getattr(library, f"quor_{name}")

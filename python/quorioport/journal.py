@@ -223,7 +223,9 @@ class Named:
 
     @contextmanager
     def _created(self, handle: Handle) -> Iterator[None]:
-        """Creates the port for a `with` statement, but does not open it: the journal knows the answer."""
+        """Creates the port for a `with` statement, but does not open it, because the journal knows the outcome and
+        nothing is sent.
+        """
         handle.create()
         try:
             yield
