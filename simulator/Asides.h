@@ -7,18 +7,19 @@
 namespace quordalvane::simulator {
 
 /// Counts the received bytes that were not queued: commands that act on reception, and lost data.
-/// Remembers before which queued byte each of these bytes was received, so that offsets in the job
-/// include them. The queued bytes before the print position have been printed or dropped.
+/// Remembers, for each of these bytes, the queued byte that follows it, so that offsets in the job
+/// include the unqueued bytes. Queued bytes are numbered from 0. The print position is the number
+/// of the next byte that the printer takes from the queue.
 class Asides {
  public:
   /// Adds `count` bytes that were received but not queued. The next byte to be queued has the
   /// number `before`.
   void add(std::uint64_t before, std::size_t count);
 
-  /// Moves the print position to just before the queued byte number `position`.
+  /// Moves the print position forward to `position`.
   void pass(std::uint64_t position);
 
-  /// Returns how many of the added bytes the print position has passed.
+  /// Returns how many of the added bytes precede the print position.
   std::uint64_t passed() const { return passed_; }
 
  private:

@@ -16,8 +16,8 @@ std::uint64_t untilNul(ByteView bytes, std::size_t from, std::size_t most) {
   return ended || bytes.size() >= from + most ? bytes.size() : bytes.size() + 1;
 }
 
-// In the command 1d 43 3b sa 3b sb 3b sn 3b sr 3b sc 3b, sa, sb, sn, sr and sc are numbers in
-// decimal digits. A byte that is neither a digit nor 3b ends the command.
+// The command consists of the bytes 1d 43 3b and five numbers. Each number consists of decimal
+// digits and is followed by the byte 3b. A byte that is neither a digit nor 3b ends the command.
 std::uint64_t counterInDigits(ByteView bytes) {
   constexpr std::size_t mostDigits = std::size_t{5} * 5;
   const auto numbers = bytes.subspan(3);

@@ -61,8 +61,8 @@ struct FaultPart {
   bool isOptional = false;  ///< true if this part and the text `before` it may be omitted
 };
 
-/// The name of a fault and the form of its value. The value consists of the parts, in order. If
-/// there are no parts, the value is `true`.
+/// The name of a fault and the form of its value. The value consists of the `parts`, one after
+/// another. If `parts` is empty, the value is `true`.
 struct FaultForm {
   std::string_view name;
   std::string_view takes;  ///< the form of the value, in words

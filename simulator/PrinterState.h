@@ -96,7 +96,7 @@ class PrinterState {
   /// - `speed`: bytes a second, 0: unlimited
   /// - `buffer`: bytes
   /// - `flow`: `none` or `xonxoff`
-  /// - `presenterState`, `connectedInterface`: their codes
+  /// - `presenterState`, `connectedInterface`: one of the codes listed at the member of this name
   /// - `paper`: 58 or 80 mm; paper that is already in the printer keeps its width
   /// - `modelId`, `typeId`: numbers from 0 to 255
   /// - `proofs`: see `Proofs::parse`
