@@ -86,8 +86,8 @@ class Trace {
 std::string shownRecord(ZKLogType type, std::int32_t level, const std::string& method,
                         const std::string& message);
 
-/// All lines about the subjects in `about`, one below the other. A line that is repeated in a row
-/// is shown once, after "3 x" or, for several lines, between "3 x {" and "}".
+/// All lines about the subjects in `about`, one below the other. A line that occurs three times in
+/// succession is shown once, after "3 x"; such a group of lines is shown between "3 x {" and "}".
 std::string view(const std::vector<Line>& lines, const std::set<About>& about);
 
 /// The records of one method, without its name.
