@@ -16,7 +16,7 @@ MISSING = "\ufffd"
 
 
 def character(page: str, byte: int) -> str:
-    """The character that printers print for this byte of a code page; MISSING if there is none, or a control character."""
+    """The character that printers print for a byte of a code page. A control character or no character is MISSING."""
     if (page, byte) == ("cp857", 0xd5):
         return "€"  # printers print the euro sign here; Python's table has no character
     text = codecs.decode(bytes([byte]), page, "replace")
