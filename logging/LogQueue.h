@@ -82,8 +82,8 @@ class LogQueue {
 
   /// Waits for a first record. After the first record, waits for more records until the gather time
   /// has passed, or until the queue is half full or closed. Then swaps all queued records with
-  /// `batch`, which must be empty, and returns true. Returns false at once if the queue is closed
-  /// and empty.
+  /// `batch`, which must be empty, and returns true. Returns false without waiting if the queue is
+  /// closed and empty.
   ///
   /// After the swap, the queue uses the memory of `batch`. Before the swap, `take` enlarges this
   /// memory to the capacity of the queue. If memory is short, the queue can hold only as many

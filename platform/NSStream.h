@@ -67,9 +67,10 @@ class QUOR_EXPORT NSInputStream : public NSStream {
 /// The direction from the port to the accessory.
 class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
-  /// Returns true if a write would take at least one byte now, or would fail at once because the
-  /// link is lost. So a writer notices the loss at once, even if `isConnected` of the accessory
-  /// still returns true because some received bytes are unread. Returns false for a closed stream.
+  /// Returns true if a write would take at least one byte now, or would fail without waiting
+  /// because the link is lost. So a writer notices the loss immediately, even if `isConnected` of
+  /// the accessory still returns true because some received bytes are unread. Returns false for a
+  /// closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
   /// Sets whether the accessory may answer the bytes of later writes; the initial setting is true.
