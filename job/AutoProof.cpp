@@ -19,8 +19,8 @@ MaybeSetback AutoProof::begin() {
   const ProofKind kind = *memory_.foundProof;
   if (kind == ProofKind::None) {
     chosen_ = std::make_unique<NoProof>(
-        "the printer did not answer within 1 s how it confirms jobs; no confirmation", clearBuffer,
-        link(), result());
+        "the printer was asked how it confirms jobs and did not answer within 1 s; no confirmation",
+        clearBuffer, link(), result());
   } else {
     chosen_ = makeProof(kind, link(), result());
   }

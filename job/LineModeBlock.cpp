@@ -47,8 +47,8 @@ MaybeSetback LineModeBlock::judgeReadiness() {
   takeStatus();
   if (!hasCounter(status())) {
     return Setback{PrintObstacle::ExchangeFailed,
-                   "the printer's status of " + grouped(status().rawLength) +
-                       " bytes holds no counter, without which no job can be confirmed"};
+                   "the printer's status has " + grouped(status().rawLength) +
+                       " bytes and no counter, without which no job can be confirmed"};
   }
   if (status().offline != 0) {
     return Setback{PrintObstacle::PrinterNotReady, whyOffline(status())};

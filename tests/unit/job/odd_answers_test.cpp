@@ -42,7 +42,7 @@ TEST(JobWithOddAnswers, IsRefusedIfTheStatusHasNoCounter) {
     const PrintResult result =
         printOn(Script().wheneverAsked(statusRequest, {{bytes(block), 0.0}}));
     EXPECT_EQ(result.outcome, PrintOutcome::Refused) << block;
-    EXPECT_THAT(result.reason, testing::HasSubstr("holds no counter")) << block;
+    EXPECT_THAT(result.reason, testing::HasSubstr("bytes and no counter")) << block;
   }
 }
 

@@ -76,9 +76,10 @@ TEST(PrinterWithoutProof, LeavesTheJobUnconfirmedWithoutWaitingForAConfirmation)
   EXPECT_LT(till.platform->clock().monotonic() - start, seconds(4));
   EXPECT_EQ(result.outcome, PrintOutcome::Unconfirmed);
   EXPECT_EQ(result.proof, ProofKind::None);
-  EXPECT_EQ(result.reason,
-            "the printer did not answer within 1 s how it confirms jobs; no confirmation after "
-            "all 45 bytes");
+  EXPECT_EQ(
+      result.reason,
+      "the printer was asked how it confirms jobs and did not answer within 1 s; no confirmation "
+      "after all 45 bytes");
 }
 
 TEST(PrinterWithoutProof, IsAskedForProofsOnlyOnceOnAPort) {
