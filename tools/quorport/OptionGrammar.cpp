@@ -155,11 +155,10 @@ void addPrintOptions(CLI::App& app, Options& all) {
   PrintOptions& options = all.print;
   CLI::Option* const file =
       app.add_option("FILE", options.file, "the file to print; - is standard input")->required();
-  addText(
-      app, "--proof", "NAME",
-      "how the printer confirms the job: " + proofNames() +
-          " (default: the key proof of the device; without this key auto, which asks the printer)",
-      [&options](const std::string& text) { options.proof = proof(text); });
+  addText(app, "--proof", "NAME",
+          "how the printer confirms the job: " + proofNames() +
+              " (default: the proof that the device names, otherwise auto, which asks the printer)",
+          [&options](const std::string& text) { options.proof = proof(text); });
   app.add_flag_callback(
       "--unchecked", [&options] { options.proof = ProofKind::None; },
       "print without a proof, like --proof none: the printer is asked neither before nor after the "

@@ -99,7 +99,7 @@ void setTimeouts(ExternalAccessoryPort& port, const PrintOptions& options) {
 
 std::string inWords(const PrintProgress& progress) {
   if (progress.stage == PrintStage::Begin) {
-    return "asking the printer before the job";
+    return "checking the printer before the job";
   }
   if (progress.stage == PrintStage::End) {
     return "sent all " + grouped(progress.bytesTotal) + " bytes, waiting until they are printed";

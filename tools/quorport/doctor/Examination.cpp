@@ -155,7 +155,8 @@ class Examination {
           variant.cause,
           "the printer answers " + variant.words + ", but was asked " + variants().front().words,
           "set " + variant.keys +
-              " in the device, or set the printer to the values with which it was asked"));
+              " in the device, or change the printer's settings so that it answers " +
+              variants().front().words));
     }
     if (emulation != options_.emulation && options_.emulation != ZKEmulationUnknown) {
       const EmulationName found = nameOf(emulation);

@@ -63,17 +63,15 @@ std::unique_ptr<Listener> listenAt(const std::string& text) {
     }
   }
   refuse("--listen", text,
-         "tcp:, tcp:PORT or tcp:HOST:PORT with a port from 0 to 65535 and an IPv6 address in "
-         "brackets, "
-         "unix:PATH, or pty:");
+         "tcp:, tcp:PORT, tcp:HOST:PORT (PORT from 0 to 65535, an IPv6 address in brackets), "
+         "unix:PATH or pty:");
 }
 
 std::unique_ptr<Listener> listenForBrowsersAt(const std::string& text) {
   if (const auto address = text.empty() ? std::nullopt : parseListenAddress(text)) {
     return opened(text, [&] { return listenOnTcp(*address); });
   }
-  refuse("--web", text,
-         "PORT or HOST:PORT with a port from 0 to 65535 and an IPv6 address in brackets");
+  refuse("--web", text, "PORT or HOST:PORT (PORT from 0 to 65535, an IPv6 address in brackets)");
 }
 
 std::unique_ptr<Listener> listenPrivatelyAt(const std::string& text, const std::string& option) {
