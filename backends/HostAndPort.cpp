@@ -23,7 +23,7 @@ HostAndPort parseHostAndPort(std::string_view text) {
   const bool ambiguous = !bracketed && host.find_first_of(":[]") != std::string_view::npos;
   if (host.empty() || host.size() > longestHost || !plain || ambiguous || port == 0) {
     spec::refuse("address " + inQuotes(text) +
-                 ": takes HOST:PORT, the port from 1 to 65535, and an IPv6 address in brackets");
+                 ": takes HOST:PORT; PORT is from 1 to 65535, and an IPv6 address is in brackets");
   }
   return {.host = std::string(host), .port = port};
 }

@@ -25,7 +25,7 @@ std::optional<ProofKind> proofOf(std::int32_t number) {
   const auto proof = proofNumbered(number);
   if (!proof) {
     throw CallFailure(QUOR_USAGE, "no kind of proof has the number " + std::to_string(number) +
-                                      "; the constants QUOR_PROOF_... are the numbers");
+                                      "; the constants QUOR_PROOF_... are the valid numbers");
   }
   return proof == ProofKind::Auto ? std::nullopt : proof;
 }

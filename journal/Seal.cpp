@@ -51,7 +51,7 @@ std::string combined(std::string seal, const Attempt& row) {
 std::string sealOf(Database& database) {
   Statement found = database.prepare("SELECT digest FROM seal");
   if (!found.step()) {
-    throw JournalError(database.file(), "it is damaged: it has lost its seal");
+    throw JournalError(database.file(), "it is damaged: the digest of its rows is missing");
   }
   return found.text(0);
 }
