@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <set>
 #include <utility>
 #include <vector>
+
+#include "tools/printer-app/LibraryFunction.h"
 
 namespace quordalvane::printer_app {
 namespace {
@@ -42,6 +45,24 @@ void release(pappl_job_t* job) {
   papplJobSetReasons(job, PAPPL_JREASON_NONE, PAPPL_JREASON_JOB_QUEUED);
   papplJobRelease(job, holder);
 }
+
+// The jobs whose threads run.
+class StartedJobs {
+ public:
+  // Returns true if the job waits and has no thread. Its thread then counts as started.
+  bool add(pappl_job_t* job) {
+    const std::scoped_lock lock(mutex_);
+    return papplJobGetState(job) == IPP_JSTATE_PENDING && jobs_.insert(job).second;
+  }
+  void remove(pappl_job_t* job) {
+    const std::scoped_lock lock(mutex_);
+    jobs_.erase(job);
+  }
+
+ private:
+  std::mutex mutex_;
+  std::set<pappl_job_t*> jobs_;
+};
 
 }  // namespace
 
@@ -94,3 +115,20 @@ bool isHeldForItsTurn(ipp_jstate_t state, pappl_jreason_t reasons) {
 }
 
 }  // namespace quordalvane::printer_app
+
+// The framework can start several threads for one job, because the job counts as waiting until its
+// first thread runs. A second thread would print the job again, or find that its document is gone.
+// The framework would also list the job twice, and free it twice. So this program replaces the
+// function of these threads, and only the first one processes the job.
+// NOLINTNEXTLINE(readability-identifier-naming): the framework's name
+extern "C" [[gnu::visibility("default")]] void* _papplJobProcess(pappl_job_t* job) {
+  using namespace quordalvane::printer_app;
+  static auto* const process = libraryFunction<void*(pappl_job_t*)>("_papplJobProcess");
+  static StartedJobs started;
+  if (!started.add(job)) {
+    return nullptr;
+  }
+  void* const result = process(job);
+  started.remove(job);
+  return result;
+}

@@ -11,8 +11,7 @@ namespace quordalvane::printer_app {
 void letOldestGoNext(pappl_printer_t* printer);
 
 /// Returns true if an older job of the same printer is being printed. The framework sometimes
-/// starts one job twice, or two jobs at the same time. If it starts two jobs, the younger job must
-/// wait.
+/// starts two jobs at the same time. The younger job must then wait.
 bool isOlderUnderWay(pappl_job_t* job);
 
 /// Returns true if the printer is idle, and its oldest waiting job is the same as at the last call.
