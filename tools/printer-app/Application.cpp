@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tools/printer-app/Documents.h"
+#include "tools/printer-app/IncompleteUploads.h"
 #include "tools/printer-app/JobDelivery.h"
 #include "tools/printer-app/JobOrder.h"
 #include "tools/printer-app/Model.h"
@@ -17,7 +18,6 @@
 #include "tools/printer-app/SavedAnswers.h"
 #include "tools/printer-app/SavedState.h"
 #include "tools/printer-app/Settings.h"
-#include "tools/printer-app/WholeUploads.h"
 
 namespace quordalvane::printer_app {
 namespace {
@@ -133,7 +133,7 @@ pappl_system_t* makeSystem(int count, cups_option_t* options, void* /*data*/) {
     makeFolder(settings.folder / "jobs");
     static std::string stateFile = settings.folder / "printers.conf";
     keepJobsIn(settings.folder / "journal.db", stateFile);
-    requireWholeUploads(settings.uploadTimeout);
+    markIncompleteUploads(settings.uploadTimeout);
     pappl_system_t* const system = createSystem(settings);
     load(system, stateFile);
     listen(system, settings);

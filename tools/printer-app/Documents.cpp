@@ -8,8 +8,11 @@
 #include "render/RasterPage.h"
 #include "render/RenderError.h"
 #include "render/TextPrinting.h"
+#include "text/Quoted.h"
 #include "tools/printer-app/Document.h"
+#include "tools/printer-app/IncompleteUploads.h"
 #include "tools/printer-app/JobDelivery.h"
+#include "tools/printer-app/JobOrder.h"
 #include "tools/printer-app/Model.h"
 #include "tools/printer-app/RasterFile.h"
 #include "tools/printer-app/WaitingRaster.h"
@@ -22,20 +25,31 @@ unsigned headDots(pappl_job_t* job) {
   return model == nullptr ? everyModel().front().dots : model->dots;
 }
 
-// Runs `work`. If it throws, its error becomes the job's message and the result is false, because
-// the framework is written in C and cannot catch exceptions.
+// Runs `work` if the document is complete. If `work` throws, its error becomes the job's message
+// and the result is false, because the framework is written in C and cannot catch exceptions.
 template <typename Work>
 bool guarded(pappl_job_t* job, Work work) {
   try {
+    if (isIncomplete(papplJobGetFilename(job))) {
+      throw render::RenderError("the client disconnected before the end of its document");
+    }
     return work();
   } catch (const std::exception& error) {
-    papplJobSetMessage(job, "%s", error.what());
+    papplJobSetMessage(job, "%s", printable(error.what()).c_str());
     return false;
   }
 }
 
+// Prints the job with `work`, see `guarded`. The framework then starts the next job.
+template <typename Work>
+bool printInTurn(pappl_job_t* job, Work work) {
+  const bool isPrinted = guarded(job, work);
+  letOldestGoNext(papplJobGetPrinter(job));
+  return isPrinted;
+}
+
 bool printFile(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*device*/) {
-  return guarded(job, [&] {
+  return printInTurn(job, [&] {
     Document document(job, *options, Document::Kind::Raw);
     readDocument(job, document.output());
     return deliver(job, document.end(options->copies));
@@ -47,7 +61,7 @@ template <typename AddPages>
 bool printRendered(pappl_job_t* job, AddPages addPages) {
   const std::unique_ptr<pappl_pr_options_t, void (*)(pappl_pr_options_t*)> options(
       papplJobCreatePrintOptions(job, 1, false), papplJobDeletePrintOptions);
-  return guarded(job, [&] {
+  return printInTurn(job, [&] {
     Document document(job, *options, Document::Kind::Rendered);
     addPages(document, headDots(job));
     const bool isPrinted = deliver(job, document.end(options->copies));

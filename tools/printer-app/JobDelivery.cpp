@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <condition_variable>
-#include <exception>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -155,14 +154,7 @@ void keepJobsIn(const std::filesystem::path& journal, const std::filesystem::pat
 }
 
 bool deliver(pappl_job_t* job, const std::vector<std::uint8_t>& data) {
-  bool isPrinted = false;
-  try {
-    isPrinted = Delivery(job, data).run();
-  } catch (const std::exception& error) {
-    papplJobSetMessage(job, "%s", printable(error.what()).c_str());
-  }
-  letOldestGoNext(papplJobGetPrinter(job));
-  return isPrinted;
+  return Delivery(job, data).run();
 }
 
 }  // namespace quordalvane::printer_app

@@ -21,7 +21,7 @@ void keepJobsIn(const std::filesystem::path& journal, const std::filesystem::pat
 /// the result is false. The journal prevents a second print, even after a restart.
 ///
 /// First saves the framework's list of jobs, which the framework itself would save only with the
-/// next job. Blocks the job's thread. Throws nothing.
+/// next job. Blocks the job's thread. Throws `JournalError` if the journal fails.
 bool deliver(pappl_job_t* job, const std::vector<std::uint8_t>& data);
 
 }  // namespace quordalvane::printer_app
