@@ -104,24 +104,28 @@ std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
 
 // Returns the first digit and the six digits of UPC-E for a UPC-A number that has this short form.
 // A UPC-A number has eleven digits, or twelve with its check digit. A number of eight digits is
-// returned without its check digit. A number of any other length is returned unchanged.
+// returned without its check digit. Any other number is returned unchanged; the library refuses it
+// unless it has the length of UPC-E.
 std::string zeroSuppressed(const std::string& data) {
   if (data.size() != 11 && data.size() != 12) {
     return withoutCheckDigit(data, 8);
   }
+  const std::string system = data.substr(0, 1);
   const std::string maker = data.substr(1, 5);
   const std::string item = data.substr(6, 5);
-  const std::string system = data.substr(0, 1);
-  if (maker.substr(2) == "000" || maker.substr(2) == "100" || maker.substr(2) == "200") {
-    return system + maker.substr(0, 2) + item.substr(2) + maker.substr(2, 1);
+  if (maker.ends_with("00") && maker[2] <= '2' && item.starts_with("00")) {
+    return system + maker.substr(0, 2) + item.substr(2) + maker[2];
   }
-  if (maker.substr(3) == "00") {
+  if (maker.ends_with("00") && item.starts_with("000")) {
     return system + maker.substr(0, 3) + item.substr(3) + "3";
   }
-  if (maker.substr(4) == "0") {
+  if (maker.ends_with("0") && item.starts_with("0000")) {
     return system + maker.substr(0, 4) + item.substr(4) + "4";
   }
-  return system + maker + item.substr(4);
+  if (item >= "00005" && item <= "00009") {
+    return system + maker + item.substr(4);
+  }
+  return data;
 }
 
 bool isGs1(Symbology symbology) {

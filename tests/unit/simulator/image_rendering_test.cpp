@@ -169,10 +169,29 @@ TEST(BarcodeEncoder, AddsOrCorrectsTheCheckDigit) {
   EXPECT_EQ(ean("4006381333930"), "4006381333931");
 }
 
+TEST(BarcodeEncoder, EncodesANumberInUpcEOnlyIfTheNumberHasAShortForm) {
+  const auto text = [](const char* data) {
+    Symbol barcode;
+    barcode.symbology = Symbology::UpcE;
+    barcode.data = data;
+    const auto symbol = encode(barcode);
+    return symbol ? symbol->text : "refused";
+  };
+  EXPECT_EQ(text("04210000526"), "04252614");
+  EXPECT_EQ(text("01230000045"), "01234531");
+  EXPECT_EQ(text("01234000005"), "01234543");
+  EXPECT_EQ(text("01234500006"), "01234565");
+  EXPECT_EQ(text("04210001526"), "refused");
+  EXPECT_EQ(text("01230000145"), "refused");
+  EXPECT_EQ(text("01234000015"), "refused");
+  EXPECT_EQ(text("01234500004"), "refused");
+  EXPECT_EQ(text("01234567890"), "refused");
+}
+
 TEST(BarcodeEncoder, EncodesValidDataInEachSymbology) {
   const std::pair<Symbology, const char*> cases[] = {
       {Symbology::UpcA, "01234567890"},    {Symbology::UpcE, "0123456"},
-      {Symbology::UpcE, "01234567890"},    {Symbology::UpcE, "01234567"},
+      {Symbology::UpcE, "01234500006"},    {Symbology::UpcE, "01234567"},
       {Symbology::Ean13, "4006381333931"}, {Symbology::Ean8, "0123456"},
       {Symbology::Code39, "*ABC 12*"},     {Symbology::Interleaved, "0123456789"},
       {Symbology::Codabar, "A012345A"},    {Symbology::Code93, "012abcd"},
