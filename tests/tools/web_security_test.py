@@ -227,6 +227,7 @@ class ManyWebClients(BrowserCase):
         self.assertTrue(has_ended())
 
 
+@unittest.skipIf(IS_SANITIZED, "a sanitizer takes memory")
 class WebServerMemory(BrowserCase):
     def resident(self, simulator) -> int:
         """The memory of the process, in MiB."""
@@ -255,7 +256,6 @@ class WebServerMemory(BrowserCase):
         self.assertEqual(browser.json("api/receipts?before=1200")["receipts"][0]["id"], 1199)
         self.assertEqual(browser.json("api/receipts?before=1101")["receipts"], [])
 
-    @unittest.skipIf(IS_SANITIZED, "a sanitizer takes memory")
     def test_twenty_metres_of_paper_take_bounded_memory(self):
         simulator, browser = self.open()
         events = self.events(browser)
