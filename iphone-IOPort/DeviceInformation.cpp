@@ -222,7 +222,7 @@ std::int64_t ExternalAccessoryPort::retrieveButtonSecurityTimeout() {
       break;
     }
     if (wait.isOver()) {
-      // Here the last conversion is %u; in the same log record of the other queries it is %d.
+      // The last conversion is %u here. The other queries log the same text with %d.
       QUOR_LOG(ZKLogTypeError, 0, "end.tv_sec - start.tv_sec > timeout_ / 1000, %ld, %ld, %u",
                wait.end(), wait.start(), wait.timeoutSec());
       QUOR_LOG(ZKLogTypeInternalMethodEnd, 0, "-> %d", -1);

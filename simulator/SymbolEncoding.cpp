@@ -96,8 +96,8 @@ std::string withoutStars(std::string data) {
   return data;
 }
 
-// Removes the check digit, if the number has one. The encoder then calculates the right digit, and
-// so corrects a wrong one: a real printer prints no bar code with a wrong check digit.
+// Removes the check digit, if the number has one. The encoder then calculates the right digit. So,
+// as on a real printer, no bar code has a wrong check digit.
 std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }

@@ -106,7 +106,7 @@ void Typesetter::nationalSet(ByteView command) {
 
 void Typesetter::multiByte(ByteView command) {
   const bool on = command[1] == 0x26;
-  // If the printer has no multi-byte text, only the command that turns it on fails.
+  // A printer without multi-byte text ignores the command that turns such text off.
   if (!decoder_.setMultiByte(on) && on) {
     paper_.noteSkipped(command);
   }

@@ -13,7 +13,7 @@
 // and call their methods.
 
 #if __has_feature(objc_arc)
-#error "Compile this folder without automatic reference counting: it releases objects itself."
+#error "Turn automatic reference counting off for this folder: its sources release objects."
 #endif
 
 namespace quordalvane::handheld {
