@@ -61,7 +61,8 @@ class PrinterLink {
   /// the beginning of the link.
   void addFault(const Fault& fault, Instant now);
 
-  /// Sets the seed for the random choices that faults make for later replies.
+  /// Sets the seed of the random numbers that decide how a fault changes a reply. The seed applies
+  /// from the next reply on.
   void setSeed(std::uint64_t seed);
 
   /// Removes all faults. Replies in transit keep their delay, and an ended link remains ended.

@@ -17,7 +17,8 @@ class Printing {
   /// Sets the dialect that the printer knows, from the next command on.
   void setDialect(const Dialect& dialect);
 
-  /// Sets the commands that the printer lacks, from the next command on.
+  /// Sets the commands that the printer lacks. From now on, `pass` records such a command as
+  /// unknown and does not execute it.
   void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
   /// Sets the character sets of the printer.
@@ -54,10 +55,12 @@ class Printing {
 
   JobRecord& record() { return typesetter_.record(); }
   const Paper& paper() const { return typesetter_.paper(); }
+
+  /// Ends the current line, tears the paper off and returns it.
   Paper tearOff();
 
-  /// Tears the paper off in the middle of a job. Unlike `tearOff`, this function ends a running
-  /// macro, and an unfinished line continues on the next paper.
+  /// Tears the paper off in the middle of a job. A running macro ends. The current line does not
+  /// end; it continues on the next paper.
   Paper tearOffFinishedLines();
 
  private:

@@ -16,7 +16,8 @@ class Reception {
   /// Sets the dialect that the printer knows, from the next command on.
   void setDialect(const Dialect& dialect) { scanner_.setDialect(dialect); }
 
-  /// Sets the commands that the printer lacks, from the next command on; they count as print data.
+  /// Sets the commands that the printer lacks. From now on, such a command counts as print
+  /// data.
   void setLacked(const LackedCommands& lacked) { lacked_ = lacked; }
 
   using OnPiece = std::function<void(MachineCommand, ByteView)>;

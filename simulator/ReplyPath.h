@@ -17,7 +17,8 @@ class ReplyPath {
  public:
   explicit ReplyPath(std::uint64_t seed) : seed_(seed) {}
 
-  /// Sets the seed for the random choices of faults, from the next reply on.
+  /// Sets the seed of the random numbers that decide how a fault changes a reply. The seed applies
+  /// from the next reply on.
   void setSeed(std::uint64_t seed) { seed_ = seed; }
 
   /// Adds a fault that affects replies.

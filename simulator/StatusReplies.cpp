@@ -28,7 +28,8 @@ std::uint8_t byteOf(unsigned bits) {
   return static_cast<std::uint8_t>(bits);
 }
 
-// Returns the paper bits of the in-order status (see `inOrderStatus`) and of the unasked status.
+// Returns the bits that describe the paper. They are the same in the results of `inOrderStatus` and
+// of `unaskedStatus`.
 unsigned paperBits(const PrinterState& state) {
   return bits(state, Flag::ReceiptPaperNearEmptyInner, 0x03) |
          bits(state, Flag::ReceiptPaperEmpty, 0x0c);

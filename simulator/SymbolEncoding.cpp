@@ -102,10 +102,11 @@ std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }
 
-// Returns the first digit and the six digits of UPC-E for a UPC-A number that has this short form.
-// A UPC-A number has eleven digits, or twelve with its check digit. A number of eight digits is
-// returned without its check digit. Any other number is returned unchanged; the library refuses it
-// unless it has the length of UPC-E.
+// Returns the digits for a UPC-E bar code. UPC-E is a short form that some UPC-A numbers have. A
+// UPC-A number has eleven digits, or twelve with its check digit. If it has the short form, the
+// result is its first digit and the six digits of UPC-E. A number of eight digits is returned
+// without its check digit. Any other number is returned unchanged; the library refuses it unless it
+// has the length of a UPC-E number.
 std::string zeroSuppressed(const std::string& data) {
   if (data.size() != 11 && data.size() != 12) {
     return withoutCheckDigit(data, 8);

@@ -9,8 +9,8 @@
 
 namespace quordalvane::simulator {
 
-/// The bar codes and two-dimensional codes of a job, with the settings from its commands. Commands
-/// are in hex.
+/// The bar codes and two-dimensional codes of a job, with the settings from its commands. The
+/// comments below name each command by its first bytes, in hex.
 class SymbolSetter {
  public:
   SymbolSetter();

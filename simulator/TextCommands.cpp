@@ -38,8 +38,8 @@ void Typesetter::kanjiUnderline(ByteView command) {
   }
 }
 
-// The command sets the spacing to the left and to the right of each character; here all of it is to
-// the right.
+// The command sets one spacing to the left of each character and one to the right. This printer
+// puts both to the right.
 void Typesetter::kanjiSpacing(ByteView command) {
   kanji_.spacing = unsigned{command[2]} + command[3];
 }

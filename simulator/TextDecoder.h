@@ -21,9 +21,9 @@ struct DecodedText {
 /// Converts the text bytes of a job to characters. The job's commands select one of the character
 /// sets of the printer.
 ///
-/// If the printer knows UTF-8, and the job has not yet selected a code page, a run of bytes from 80
-/// (hex) up is UTF-8 if the whole run is valid UTF-8. All other bytes belong to the selected code
-/// page; initially that is page 0.
+/// A printer that knows UTF-8 uses it until the job selects a code page or turns UTF-8 off. During
+/// this time, successive bytes that are all 80 (hex) or greater are UTF-8 if together they are
+/// valid UTF-8. All other bytes belong to the selected code page; initially that is page 0.
 class TextDecoder {
  public:
   TextDecoder() { reset(); }

@@ -104,8 +104,8 @@ class TextPage {
   std::string takeText() { return std::move(text_); }
 
  private:
-  // An image that a job prints in stripes, each as one line. The text describes all stripes
-  // together as one image.
+  // An image that a job prints in stripes. Each stripe is a `Line` of its own. The text describes
+  // all stripes together as one image.
   struct Stripes {
     unsigned width = 0;
     unsigned height = 0;

@@ -13,9 +13,9 @@ namespace quordalvane::simulator {
 /// brackets.
 std::string renderText(const Paper& paper);
 
-/// Returns sentences about the paper for people: they name the commands that could not be shown,
-/// and say if the paper was torn off before the end of its job. Returns no sentence if all is
-/// shown.
+/// Returns remarks for the user. One remark lists the commands that could not be shown. Another one
+/// says that the paper was torn off before the end of its job. A remark that does not apply is left
+/// out.
 std::vector<std::string> remarksOn(const Paper& paper);
 
 }  // namespace quordalvane::simulator

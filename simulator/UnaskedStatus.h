@@ -7,22 +7,25 @@
 
 namespace quordalvane::simulator {
 
-/// A status that a printer sends without a request, after a host has switched this service on.
+/// Decides when the printer reports its status without a request. A host must first switch these
+/// reports on.
 class UnaskedStatus {
  public:
-  /// Switches the service on. The next `change` then returns the status, even if the service was on
-  /// already.
+  /// Switches the reports on. The next call of `change` then returns the status, even if the
+  /// reports were on already.
   void switchOn() { latest_ = Bytes(); }
 
+  /// Switches the reports off. From then on, `change` returns no bytes.
   void switchOff() { latest_.reset(); }
 
-  /// Returns the four bytes to be sent now: on the first call after `switchOn`, and whenever the
-  /// status has changed since the last call. Returns no bytes otherwise.
+  /// Returns the four bytes to be sent now, if the reports are on: on the first call after
+  /// `switchOn`, and whenever the status has changed since the last call. Returns no bytes
+  /// otherwise.
   Bytes change(const PrinterState& state);
 
  private:
-  // The status that was returned last. It has no value while the service is off, and no bytes
-  // between `switchOn` and the next `change`.
+  // The status that `change` returned last. It is `std::nullopt` while the reports are off. After
+  // `switchOn` it is an empty `Bytes` until `change` is called.
   std::optional<Bytes> latest_;
 };
 

@@ -111,7 +111,8 @@ class VirtualPrinter {
   /// call, the `vanish` of that call applies to the whole command.
   void receive(ByteView bytes, Instant now, bool vanish = false);
 
-  /// Sends bytes to the host, if there is one: an answer, or a report without a question.
+  /// Sends bytes to the connected host. They answer a command, or the printer sends them by itself.
+  /// If no host is connected, the bytes are lost.
   void reply(ByteView bytes, Instant at, ReplyKind kind = ReplyKind::Other);
 
   /// Returns the next time at which the printer changes without a call: it has space again,

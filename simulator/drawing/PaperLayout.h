@@ -29,8 +29,8 @@ struct Piece {
 
 /// The empty space around the print, in dots.
 struct Margins {
-  unsigned end = 0;  ///< above the print of each `Piece`, and as much below it
-  unsigned gap = 0;  ///< between two pieces
+  unsigned end = 0;  ///< the space above, and also below, the print of each `Piece`
+  unsigned gap = 0;  ///< the space between two pieces
 };
 
 /// The space above and below a symbol, and between the symbol and its text, in dots.
@@ -39,10 +39,11 @@ inline constexpr unsigned symbolSpace = 6;
 /// The position of each item on a paper. The paper must outlive this object.
 class PaperLayout {
  public:
-  /// Places all items of a paper. The first piece begins at `top`.
+  /// Places all items of a paper. `top` is the position of the upper edge of the paper, in dots.
   PaperLayout(const Paper& paper, unsigned top, Margins margins);
 
-  /// Begins an empty layout, for a paper that will grow.
+  /// Begins an empty layout, for a paper that will grow. `top` is the position of the upper edge of
+  /// the paper, in dots.
   PaperLayout(unsigned top, Margins margins);
 
   /// Places the next item, which must outlive this object.

@@ -11,8 +11,8 @@ namespace quordalvane::simulator {
 /// The colour 0x00RRGGBB for each value of a dot.
 using Palette = std::array<std::uint32_t, 256>;
 
-/// Writes a picture as a PNG file, row by row. Each byte of a row is one dot. Even a very long
-/// picture needs no more memory than its file.
+/// Writes a picture as a PNG file, row by row. Each byte of a row is one dot. Even for a very
+/// long picture, only the compressed file is kept in memory.
 class PngWriter {
  public:
   PngWriter(unsigned width, unsigned height, const Palette& palette);
