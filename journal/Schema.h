@@ -8,7 +8,8 @@ namespace quordalvane {
 std::int64_t schemaVersion();
 
 /// Creates the tables in an empty database that no other process uses. When the function returns,
-/// all tables are on disk, in this one file. Throws `JournalError` if this fails.
+/// the file of the database contains all tables and is on disk. Throws `JournalError` if this
+/// fails.
 void makeTables(Database& database);
 
 /// Converts the tables of an older version, with all their rows. Changes nothing and throws
