@@ -18,8 +18,8 @@ class QUOR_EXPORT JsonFileSink : public LogSink {
       : file_(std::move(path), rotation) {}
 
   /// Throws std::system_error if writing fails, for example because the disk is full or the folder
-  /// was removed. The records that could not be written are lost. A later call tries to write its
-  /// own records.
+  /// was removed. The records that could not be written are lost. A later call tries to write only
+  /// the records that are passed to it.
   void write(std::span<const LogRecord> records) override;
 
  private:

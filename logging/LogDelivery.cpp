@@ -106,9 +106,9 @@ void LogDelivery::runWriter(LogQueue::Batch& batch) {
   }
 }
 
-/// Passes the batch to every sink. If records are missing before or after the batch, adds a record
-/// there that reports their number. Returns false if memory is short; then no sink has received a
-/// record.
+/// Passes the batch to every sink. If records are missing immediately before or after the batch, a
+/// record in their place reports how many are missing. Returns false if memory is short; then no
+/// sink has received a record.
 bool LogDelivery::deliver(LogQueue::Batch& batch) {
   try {
     const AttachedSinks sinks = attachedSinks();

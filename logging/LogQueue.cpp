@@ -99,7 +99,8 @@ void LogQueue::swapPending(Batch& batch) {
   try {
     batch.records.reserve(capacity_);  // allocates only after a change of the capacity
   } catch (const std::bad_alloc&) {
-    // The next call of this function will try again to reserve the memory.
+    // The reservation failed, so the queue can hold fewer records. The next call of this function
+    // tries again to reserve the memory.
   }
   std::swap(batch, pending_);
   pending_.dropped = 0;

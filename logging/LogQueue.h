@@ -39,9 +39,9 @@ class LogQueue {
     std::uint64_t dropped = 0;
   };
 
-  /// The initial and the maximum number of records that may wait. Memory for this number is
-  /// allocated in advance, once for the queue and once for the writer. The maximum number needs a
-  /// few hundred megabytes.
+  /// The initial and the maximum capacity of the queue. The capacity is the number of records that
+  /// may wait. Memory for this number of records is allocated in advance, once for the queue and
+  /// once for the writer. The maximum capacity needs a few hundred megabytes.
   /// @{
   static constexpr std::size_t defaultCapacity = 8192;
   static constexpr std::size_t maximumCapacity = 1048576;
@@ -52,7 +52,7 @@ class LogQueue {
   static constexpr std::size_t textLimit = std::size_t{64} << 20U;
 
   /// How long `take` waits for more records after the first record. The writer then wakes up once
-  /// for all these records, because a wake-up costs more than many records.
+  /// for all these records, because one wake-up takes more time than the handling of many records.
   static constexpr std::chrono::milliseconds usualGatherTime{1};
 
   /// Creates a closed queue. With a `gatherTime` of zero, `take` does not wait for more records
@@ -90,13 +90,13 @@ class LogQueue {
   /// records as `batch` has room for. `batch` must have room for at least one record.
   bool take(Batch& batch);
 
-  /// Counts `records` further records as finished. `take` has returned these records, and the sinks
-  /// have received them.
+  /// Adds `records` to the number of finished records. `take` has returned these records, and
+  /// the sinks have received them.
   void finish(std::size_t records);
 
-  /// Counts `records` further records as dropped. `take` has returned these records, but no sink
-  /// has received them. They also count as finished, so that `waitUntilFinished` does not wait for
-  /// them.
+  /// Adds `records` to the number of dropped records. `take` has returned these records, but no
+  /// sink has received them. They also count as finished, so that `waitUntilFinished` does not wait
+  /// for them.
   void lose(std::size_t records);
 
   /// Waits until every record queued so far is finished. Returns false if this takes longer than

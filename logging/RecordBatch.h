@@ -28,7 +28,8 @@ class RecordBatch {
   /// Returns how many records in total `add` can take without an allocation.
   std::size_t capacity() const noexcept { return slots_.capacity(); }
 
-  /// Adds the record by swapping: afterwards `record` is a cleared or empty record.
+  /// Moves `record` into the batch. The value of `record` is unspecified afterwards; it may hold
+  /// the memory of a removed record.
   void add(LogRecord& record);
 
   /// Removes all records but keeps their memory. Frees only the memory of very long messages.
