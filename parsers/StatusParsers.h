@@ -14,7 +14,7 @@ enum class StatusType : std::uint32_t {
   CashDrawer = 0,  ///< the query 10 04 01
   CoverOpen = 1,   ///< the query 10 04 02
   PaperEmpty = 2,  ///< the query 10 04 04
-  All = 3,         ///< all three queries; no single byte answers them
+  All = 3,         ///< all three queries, each with its own reply byte
 };
 
 /// A byte is an ESC/POS status byte if its bits in `escPosFixedMask` have the value
