@@ -68,9 +68,9 @@ class QUOR_EXPORT NSInputStream : public NSStream {
 class QUOR_EXPORT NSOutputStream : public NSStream {
  public:
   /// Returns true if a write would take at least one byte now, or would fail without waiting
-  /// because the link is lost. So a writer notices the loss immediately, even if `isConnected` of
-  /// the accessory still returns true because some received bytes are unread. Returns false for a
-  /// closed stream.
+  /// because the link is lost. So a writer notices the loss immediately. `isConnected` of
+  /// the accessory may report the loss later, after all received bytes were read. Returns false for
+  /// a closed stream.
   virtual bool hasSpaceAvailable() = 0;
 
   /// Sets whether the accessory may answer the bytes of later writes; the initial setting is true.

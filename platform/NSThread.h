@@ -13,9 +13,9 @@ class QUOR_EXPORT NSThread {
   virtual ~NSThread() = default;
 
   /// Starts the thread. May be called once. Returns true if the system has created the thread; the
-  /// function of the thread is then destroyed after it has ended. Returns false if the system
-  /// cannot create the thread; the function is then never called, and is destroyed before `start`
-  /// returns.
+  /// thread's function is then called, and is destroyed when it has returned. Returns false if the
+  /// system cannot create the thread; the function is then never called, and is destroyed before
+  /// `start` returns.
   virtual bool start() = 0;
 
   /// Marks the thread as cancelled. This is only a request and does not end the thread.

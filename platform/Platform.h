@@ -38,7 +38,7 @@ class QUOR_EXPORT Platform {
  public:
   virtual ~Platform() = default;
 
-  /// Returns the manager of the attached accessories, which all ports of the platform share.
+  /// Returns the manager of the attached accessories. All ports of the platform share this manager.
   virtual EAAccessoryManager& sharedAccessoryManager() = 0;
 
   /// Returns the device on which the program runs.
