@@ -19,7 +19,8 @@ struct UsualPage {
 };
 
 // The page numbers that most ESC/POS printers share. The list contains only pages whose characters
-// run from left to right and take one cell each. Text in all other scripts is drawn.
+// run from left to right and take one cell each. Text in a script that has no such page is sent as
+// a picture.
 constexpr UsualPage usualPages[] = {
     {0, "437"},   {2, "850"},   {3, "860"},   {4, "863"},        {5, "865"},         {13, "857"},
     {14, "737"},  {16, "1252"}, {17, "866"},  {18, "852"},       {19, "858"},        {33, "775"},

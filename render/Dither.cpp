@@ -21,8 +21,8 @@ constexpr int rank(std::size_t x, std::size_t y) {
   return static_cast<int>(value);
 }
 
-// Returns the first pixel from `x` on that is not white. Most of a page is white, so eight pixels
-// are compared at once.
+// Returns the position of the first pixel that is not white, or `grey.size()` if there is none. The
+// search begins at `x`. Most of a page is white, so eight pixels are compared at once.
 std::size_t endOfWhite(ByteView grey, std::size_t x) {
   for (std::uint64_t eight = 0; x + sizeof eight <= grey.size(); x += sizeof eight) {
     std::memcpy(&eight, &grey[x], sizeof eight);

@@ -40,8 +40,8 @@ void stayQuiet(j_common_ptr /*info*/) {}
   throw RenderError(std::string("the JPEG picture cannot be read: ") + text);
 }
 
-// Returns the divisor (1, 2, 4 or 8) of the smallest scale at which the picture is at least
-// `leastWidth` wide.
+// The library can divide the size of the picture by 1, 2, 4 or 8. Returns the largest of these
+// divisors for which the picture is still at least `leastWidth` wide; 1 if there is none.
 unsigned divisor(unsigned width, unsigned leastWidth) {
   unsigned scale = 8;
   while (scale > 1 && width / scale < leastWidth) {

@@ -5,8 +5,8 @@
 namespace quordalvane::render {
 namespace {
 
-// Returns the source position at which pixel `number` of a scaled line begins. The source line has
-// `whole` pixels, and the scaled line has `parts` pixels.
+// A source line of `whole` pixels is scaled to a line of `parts` pixels. Returns the position in
+// the source line at which the scaled pixel with the index `number` begins.
 unsigned begin(std::uint64_t number, unsigned whole, unsigned parts) {
   return static_cast<unsigned>(number * whole / parts);
 }

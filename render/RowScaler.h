@@ -9,9 +9,9 @@
 
 namespace quordalvane::render {
 
-/// Scales a picture down to the width of the paper. Each new pixel is the mean of the pixels of the
-/// source that it covers. A picture that is narrow enough is not changed. Only one row is kept in
-/// memory.
+/// Scales a picture down to the width of the paper. Each new pixel covers some pixels of the
+/// source, and is the mean of these pixels. A picture that is narrow enough is not changed. Only
+/// one row is kept in memory.
 class RowScaler {
  public:
   /// `picture` must outlive this object.

@@ -9,8 +9,8 @@
 
 namespace quordalvane::render {
 
-/// Draws text in any script. Its letters are as wide as those of the printer, so columns in drawn
-/// lines and in lines of text are aligned.
+/// Draws text in any script. The drawn letters are as wide as the printer's own letters, so the
+/// columns of drawn lines and of lines sent as text are aligned.
 class TextDrawing {
  public:
   /// `width` is in dots and must be a multiple of 8.

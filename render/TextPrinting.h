@@ -24,7 +24,7 @@ class TextPrinting {
   void add(std::string_view piece) { lines_.add(piece); }
 
   /// Adds a line that is sent as a picture even if the printer has all its characters. The text
-  /// added before must have ended with a line end.
+  /// passed to `add` so far must be empty or end with a line end.
   void addDrawn(const std::string& line);
 
   /// Sends the remaining text. Throws the exceptions of TextLines::end.
