@@ -35,7 +35,7 @@ class CharacterSets {
   void setMultiByte(std::string_view name);
 
   MultiByte multiByte = MultiByte::ShiftJis;
-  bool utf8 = false;  ///< the printer reads valid UTF-8 until a job selects a page
+  bool utf8 = false;  ///< the printer reads valid UTF-8 until a job selects a code page
 
   bool operator==(const CharacterSets&) const = default;
 

@@ -53,12 +53,12 @@ struct Fault {
   std::string given;  ///< the fault's value, as the user wrote it
 };
 
-/// Describes a part of a fault's value to programs that ask the user for the value.
+/// The form of one part of a fault's value, for programs that ask the user for the value.
 struct FaultPart {
-  std::string_view before;  ///< the text between this part and the previous one
-  std::string_view label;   ///< the meaning of this part of the value, in a word or two
+  std::string_view before;  ///< the separator before the part, such as ":"; may be empty
+  std::string_view label;   ///< a short label of the part for people, such as "bytes"
   enum class Kind { Number, Hex, Text, Ending, Reply, Proof } kind;
-  bool isOptional = false;  ///< true if this part and the text `before` it may be omitted
+  bool isOptional = false;  ///< true if the part may be omitted, together with its separator
 };
 
 /// The name of a fault and the form of its value. The value consists of the `parts`, one after
@@ -73,7 +73,7 @@ struct FaultForm {
 /// Returns one `FaultForm` for each fault, and one for the setting `seed`.
 std::vector<FaultForm> faultForms();
 
-/// Returns the words that a part accepts; empty if the part is a number or any text.
+/// Returns the words that a part of this kind accepts; empty for a number or any text.
 std::vector<std::string_view> choicesOf(FaultPart::Kind kind);
 
 /// Returns true if there is a fault of this name.

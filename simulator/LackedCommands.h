@@ -12,8 +12,8 @@ namespace quordalvane::simulator {
 class LackedCommands {
  public:
   /// Reads the first two to four bytes of each command in hex, separated by blanks or `+`, like
-  /// `1b4c+1d286b`. An empty text or `none` means no command. Throws std::invalid_argument, with a
-  /// text for people, for any other text.
+  /// `1b4c+1d286b`. If `text` is empty or `none`, the result contains no command. If `text` has
+  /// another form, throws std::invalid_argument with a message for people.
   static LackedCommands parse(std::string_view text);
 
   /// Returns true if the complete command `command` is one of the lacked commands.

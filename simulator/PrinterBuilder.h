@@ -40,7 +40,7 @@ class PrinterBuilder {
   /// Sets or clears any flag.
   PrinterBuilder& with(Flag flag, bool value = true);
 
-  /// Adds a fault to every link, in the form that `parseFault` reads.
+  /// Adds a fault to every link. `parseFault` describes `name`, `value` and the exceptions.
   PrinterBuilder& fault(std::string_view name, std::string_view value);
 
   /// Sets the seed of the random choices that faults make.

@@ -75,7 +75,7 @@ class PrinterLink {
  private:
   struct Coming {  // the change that a fault of the kind `At` makes at the time `due`
     Instant due;
-    std::string key;  // the name of a setting or of another fault
+    std::string key;  // the name of a setting, or of a fault whose kind is not `At`
     std::string value;
   };
   struct Stall {  // after `afterBytes` bytes, the link has no space for the time `length`

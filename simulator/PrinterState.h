@@ -60,21 +60,22 @@ extern const std::array<std::string_view, flagCount> flagGroups;
 /// Returns the flag of this name; empty if there is none.
 std::optional<Flag> flagNamed(std::string_view name);
 
-/// The form of a setting that is not a flag, for programs that ask the user for its value. See
+/// The form of a setting that is not a `Flag`, for programs that ask the user for its value. See
 /// `PrinterState::set`.
 struct SettingForm {
   enum class Kind { Flag, Number, Text };
   std::string_view key;
   Kind kind = Kind::Text;
-  std::uint32_t least = 0;  ///< for a number: the least value
-  /// For a number: the greatest value. For a text: the greatest length. 0 means no limit.
+  std::uint32_t least = 0;  ///< the least value, if the value is a number
+  /// The greatest value, if the value is a number; the greatest length, if the value is a text. 0
+  /// means no limit.
   std::uint32_t most = 0;
   std::string_view about;                   ///< the setting's meaning, in a few words
   std::vector<std::string_view> choices{};  ///< the usual values; may be empty
   bool isFree = true;                       ///< values that are not in `choices` are also accepted
 };
 
-/// Returns the forms of all settings that are not flags.
+/// Returns one `SettingForm` for each setting that is not a `Flag`.
 std::vector<SettingForm> settingForms();
 
 using DipBank = std::array<std::uint8_t, 2>;
@@ -109,8 +110,8 @@ class PrinterState {
   /// keys.
   void set(std::string_view key, std::string_view value);
 
-  /// Returns the value of a setting that is not a flag, in the form that `set` reads. Returns empty
-  /// if there is no such setting.
+  /// Returns the value of a setting that is not a `Flag`, in the form that `set` reads. Returns
+  /// empty if there is no such setting.
   std::optional<std::string> get(std::string_view key) const;
 
   /// Sets the firmware text, 1 to 64 printable ASCII characters. Throws std::invalid_argument for
