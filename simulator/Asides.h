@@ -7,9 +7,9 @@
 namespace quordalvane::simulator {
 
 /// Counts the received bytes that were not queued: commands that act on reception, and lost data.
-/// Remembers, for each of these bytes, the queued byte that follows it, so that offsets in the job
-/// include the unqueued bytes. Queued bytes are numbered from 0. The print position is the number
-/// of the next byte that the printer takes from the queue.
+/// Queued bytes are numbered from 0. The print position is the number of the next byte that the
+/// printer takes from the queue. Among all received bytes, queued or not, this byte has the number
+/// `passed()` + print position. Offsets in a job are calculated from such numbers.
 class Asides {
  public:
   /// Adds `count` bytes that were received but not queued. The next byte to be queued has the
@@ -19,7 +19,7 @@ class Asides {
   /// Moves the print position forward to `position`.
   void pass(std::uint64_t position);
 
-  /// Returns how many of the added bytes precede the print position.
+  /// Returns how many unqueued bytes were received before the byte at the print position.
   std::uint64_t passed() const { return passed_; }
 
  private:

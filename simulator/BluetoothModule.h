@@ -11,8 +11,9 @@
 namespace quordalvane::simulator {
 
 /// The Bluetooth module between a link and its printer. In data mode it passes bytes on. An escape
-/// sequence with a silence (the guard time) before and after it switches the module to command
-/// mode, until the link ends. One module serves one link.
+/// sequence switches the module to command mode, until the link ends. The host must send nothing
+/// for a certain time (the guard time) before and after the escape sequence. One module serves one
+/// link.
 class BluetoothModule {
  public:
   /// The module's two outputs: data for the printer, and the module's own replies for the host.

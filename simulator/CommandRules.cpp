@@ -10,8 +10,8 @@ std::uint64_t word(ByteView bytes, std::size_t at) {
   return static_cast<std::uint64_t>(bytes[at]) | static_cast<std::uint64_t>(bytes[at + 1]) << 8U;
 }
 
-// If the terminator is missing, the limit `most` ends the command. Otherwise the command would
-// include the remaining bytes of the job.
+// If the terminator is missing, the limit `most` ends the command. Without this limit, the command
+// would include all remaining bytes of the job.
 std::uint64_t untilNul(ByteView bytes, std::size_t from, std::size_t most) {
   const bool ended = bytes.size() > from && bytes.back() == 0;
   return ended || bytes.size() >= from + most ? bytes.size() : bytes.size() + 1;

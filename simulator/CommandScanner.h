@@ -25,14 +25,15 @@ class CommandScanner {
   /// Returns the effect of the complete command on the printer.
   MachineCommand command() const;
 
-  /// Returns true if the printer knows the complete command, even if only by its length.
+  /// Returns true if the printer knows the current command, which must be complete. A command
+  /// whose length the printer knows is known, even if it has no effect.
   bool isKnown() const;
 
   /// Returns true while an unfinished command may still become a command for the printer itself,
   /// not only for the paper.
   bool mayConcernTheMachine() const;
 
-  /// Returns true after the first byte of a command and before its last.
+  /// Returns true after the first byte of a command and before its last byte.
   bool insideCommand() const { return length_ < needed_ && length_ > 0; }
 
   /// Forgets an unfinished command; the next byte starts a new one.

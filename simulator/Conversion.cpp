@@ -16,7 +16,7 @@ bool isControl(char32_t character) {
 }  // namespace
 
 Conversion::Conversion(const char* encoding) {
-  // Converts to the byte order of this machine, without a byte order mark.
+  // The converter writes UTF-32 in the byte order of this machine, without a byte order mark.
   const std::uint16_t one = 1;
   const bool isLittle = *reinterpret_cast<const std::uint8_t*>(&one) == 1;
   iconv_t converter = ::iconv_open(isLittle ? "UTF-32LE" : "UTF-32BE", encoding);

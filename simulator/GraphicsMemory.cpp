@@ -324,7 +324,8 @@ GraphicsMemory::Outcome GraphicsMemory::addToBuffer(ByteView parameters, bool by
   return Outcome::Stored;
 }
 
-// The parameters are m fn tone key key colours xL xH yL yH, followed by each colour and its dots.
+// The parameters are m fn tone kc1 kc2 count xL xH yL yH. They are followed by `count`
+// pairs: the number of a colour, and the dots of this colour.
 GraphicsMemory::Outcome GraphicsMemory::define(ByteView parameters, unsigned memory,
                                                bool byColumns) {
   if (parameters.size() < 10) {

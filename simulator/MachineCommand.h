@@ -44,7 +44,7 @@ bool actsInTurn(MachineCommand command);
 /// Returns the meaning of `bytes`, which is one complete command, for a printer of this dialect.
 MachineCommand machineCommand(ByteView bytes, const Dialect& dialect);
 
-/// Returns true if further bytes may make `bytes` a command other than `Printing`.
+/// Returns true if a command other than `Printing` begins with `bytes` and is longer.
 bool mayBecomeMachineCommand(ByteView bytes, const Dialect& dialect);
 
 }  // namespace quordalvane::simulator
