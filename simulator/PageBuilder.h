@@ -21,7 +21,8 @@ class PageBuilder {
   /// 3 downwards from the upper right.
   void setDirection(unsigned direction);
 
-  /// Return the paper of the selected area, and its width in the selected direction.
+  /// Return the paper of the selected area, and the width of this paper in dots. The lines of the
+  /// paper run in the selected direction.
   Paper& paper();
   unsigned width() const { return areas_.back().content->width(); }
 

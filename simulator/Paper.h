@@ -131,8 +131,8 @@ struct Symbol {
   /// The number of columns, or the number of a predefined size; 0 means the symbology's default.
   unsigned columns = 0;
   bool isModel1 = false;                  ///< a QR code of model 1, which is drawn as model 2
-  Symbology lineKind = Symbology::Ean13;  ///< the kind of a composite code's bar code
-  std::string lineData{};                 ///< the data of a composite code's bar code
+  Symbology lineKind = Symbology::Ean13;  ///< the kind of the bar code in a composite code
+  std::string lineData{};                 ///< the data of the bar code in a composite code
   bool textAbove = false;
   bool textBelow = false;
   bool smallText = false;
@@ -211,7 +211,8 @@ class Paper {
 
   void noteSkipped(ByteView command);
 
-  /// Returns the events of the job that print nothing.
+  /// Returns the record of the job: its cuts, drawer pulses and similar events, and the parts that
+  /// could not be printed.
   const JobRecord& record() const { return record_; }
   JobRecord& record() { return record_; }
 

@@ -8,8 +8,8 @@
 namespace quordalvane::simulator {
 namespace {
 
-// The distance from the print head to the blade, in dots. A command that feeds and cuts first moves
-// the last line past the blade.
+// The distance from the print head to the blade, in dots. Before a cut, some commands feed the
+// paper by at least this distance, so that the blade cuts below the last line.
 constexpr unsigned headToBlade = 96;
 
 // The height of a line in dots. In page mode, a vertical position means the foot of a line.
