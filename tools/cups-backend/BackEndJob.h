@@ -35,8 +35,8 @@ struct BackEndJob {
 };
 
 /// Reads the job. `variable` returns the text of an environment variable, "" if it is not set.
-/// Throws `std::invalid_argument`, with a text for people, for arguments that a scheduler never
-/// passes, and `JournalError` if the folder of the journal is unknown.
+/// Throws `std::invalid_argument` if a scheduler would never pass these arguments; the exception's
+/// text is for people. Throws `JournalError` if the folder of the journal is unknown.
 BackEndJob parseBackEndJob(const std::vector<std::string>& arguments,
                            const std::function<std::string(const char*)>& variable);
 

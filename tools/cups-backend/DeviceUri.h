@@ -35,8 +35,8 @@ struct DeviceUri {
 };
 
 /// Reads the URI of a queue. Throws `std::invalid_argument`, with a text for people, if the URI
-/// does not name a device on which a queue can print. The text never contains a password: printers
-/// have no passwords, so a URI that contains one is refused and not repeated.
+/// does not name a device on which a queue can print, or if it contains a user name or a password,
+/// which printers do not take. The text never quotes a password.
 DeviceUri parseDeviceUri(std::string_view uri);
 
 /// Returns the URI of a queue for the device that `device` describes.

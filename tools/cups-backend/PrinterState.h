@@ -13,7 +13,7 @@ class PrinterState {
  public:
   /// The state of the job's data.
   enum class Data {
-    Collected,  ///< the data are still arriving or being printed
+    Collected,  ///< the back end is still collecting or printing the data
     Printed,    ///< the printer has confirmed all data
     Lost,       ///< the printer will not confirm the data
   };

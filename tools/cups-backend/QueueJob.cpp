@@ -105,8 +105,8 @@ QueueJob::Verdict QueueJob::tryBlock(const JobBlock& block, const std::vector<st
   return run(*named, block);
 }
 
-/// Returns true if a person has asked for another print. Only a person restarts a job that has
-/// ended, or releases a job that the scheduler holds.
+/// Returns true if a person has asked for another print: the person has restarted the job after its
+/// end, or has released the job while the scheduler held it. The scheduler does neither by itself.
 bool QueueJob::isWantedAgain(const NamedJobResult& known) const {
   constexpr std::int64_t millisInSecond = 1000;
   if (job_.ended && known.begun / millisInSecond <= *job_.ended) {

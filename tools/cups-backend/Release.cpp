@@ -15,9 +15,10 @@ namespace {
 
 constexpr std::int64_t millisInSecond = 1000;
 
-// If the scheduler wrote a job's record at least this many milliseconds after the outcome was
-// reported as unknown, the record certainly says that the job is held. An older record may have
-// been written just before the scheduler held the job.
+// The scheduler holds a job after this back end has reported that the job's outcome is unknown. If
+// the scheduler writes the job's record at least this many milliseconds after the report, the
+// record certainly says that the job is held. It may have written an earlier record just before the
+// hold.
 constexpr std::int64_t leastDelay = 1000;
 
 std::int64_t millisSinceBoot() {

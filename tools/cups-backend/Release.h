@@ -15,9 +15,10 @@ std::optional<std::int64_t> schedulerStart(int scheduler);
 /// Returns true if this job was started because a person has released it.
 ///
 /// At the time `told`, a person was told that the outcome of the job is unknown. The scheduler then
-/// held the job: it starts a held job only if a person releases it. Later it writes to the job's
-/// record, `controlFile`, that the job is held. If it is killed before it writes this, the next
-/// scheduler does not know that the job is held, and starts the job by itself.
+/// held the job. A scheduler starts a held job only if a person releases it. Some time after the
+/// hold, the scheduler writes to the job's record, `controlFile`, that the job is held. If it is
+/// killed before it writes this, the next scheduler does not know that the job is held, and starts
+/// the job by itself.
 ///
 /// The result is true in two cases. First, the present scheduler was started before `told`, so it
 /// has held the job itself. Second, an earlier scheduler wrote the record after the job was held,

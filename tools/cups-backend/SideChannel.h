@@ -17,13 +17,15 @@ class SideChannel {
   /// `isJobWhole` returns whether the filters have handed over all data.
   SideChannel(const PrinterState& state, std::string deviceId, std::function<bool()> isJobWhole);
 
-  /// Returns the descriptor that becomes readable when a filter asks; -1 if there is no channel.
+  /// Returns the descriptor that becomes readable when a filter sends a question; -1 if there is no
+  /// side channel.
   int descriptor() const { return descriptor_; }
 
   /// Reads one question and answers it. Returns false if no other question can arrive.
   bool serve();
 
-  /// Returns true while a filter waits until all data is printed.
+  /// A filter can ask for an answer that is sent when all data is printed. Returns true while a
+  /// filter waits for this answer.
   bool isAnswerOwed() const { return isDrainOwed_; }
 
   /// Answers the waiting filter if the printer has confirmed all data, or if it is certain that the
