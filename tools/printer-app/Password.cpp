@@ -19,7 +19,7 @@ std::string newNonce() {
   return text.data();
 }
 
-// Returns the nonce and the hash, with the separator between them.
+// Returns the nonce, the separator, and the hash of the nonce and the password.
 std::string hashOf(const std::string& password, const std::string& nonce) {
   const std::string salted = nonce + ':' + password;
   std::array<unsigned char, 32> hash{};
@@ -29,7 +29,7 @@ std::string hashOf(const std::string& password, const std::string& nonce) {
   return nonce + separator + digits.data();
 }
 
-// Returns the nonce of a hash that `hashOf` made; a new nonce if `salt` is not such a hash.
+// Returns the nonce in `salt` if `salt` is a result of `hashOf`; otherwise returns a new nonce.
 std::string nonceOf(std::string_view salt) {
   const std::size_t end = salt.find(separator);
   return end == std::string_view::npos ? newNonce() : std::string(salt.substr(0, end));

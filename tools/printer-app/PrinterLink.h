@@ -13,18 +13,19 @@ namespace quordalvane::printer_app {
 /// The exclusive use of a printer; see `takeDevice`.
 struct Turn {
   bool isTaken = false;
-  std::optional<ByteLock> lock;  ///< no lock is needed if no other program can use the device
+  std::optional<ByteLock> lock;  ///< a device that no other program can use needs no lock
 };
 
-/// Waits at most `limit` for the exclusive use of the printer. Throws the errors of `takeDevice`.
+/// Waits at most `limit` for the exclusive use of the printer. Throws the errors of `takeDevice`,
+/// and std::invalid_argument if `device` is not a device text.
 Turn takeTurn(const std::string& device, std::chrono::milliseconds limit);
 
 /// An open port to one printer. It has its own platform, because several printers print at the same
 /// time.
 class PrinterLink {
  public:
-  /// `device` is the text of the device, `model` the name of its kind. Throws std::invalid_argument
-  /// if `device` is not a device text.
+  /// `device` is a device text. `model` is the name of a `Model`; an unknown name means a printer
+  /// with ESC/POS commands. Throws std::invalid_argument if `device` is not a device text.
   PrinterLink(const std::string& device, const std::string& model);
   ~PrinterLink();
   PrinterLink(const PrinterLink&) = delete;

@@ -2,7 +2,8 @@
 
 namespace quordalvane::printer_app {
 
-/// The format under which the framework keeps a document of raster pages, PWG or Apple.
+/// The name of the format under which the framework keeps each document in PWG raster or Apple
+/// raster.
 ///
 /// If such a document kept its own format, the framework would print the document while it arrives,
 /// would refuse every other document meanwhile, and would forget the document at a restart. A

@@ -10,8 +10,8 @@ namespace {
 using quordalvane::printer_app::deviceOf;
 using quordalvane::printer_app::uriOf;
 
-// Converts devices to URIs: people write a device as for the command `quorport`, but the framework
-// expects a URI.
+// Replaces the device text after each `-v` by its URI. Users write a device text, but the framework
+// accepts only a URI.
 std::vector<std::string> withUris(int argc, char** argv) {
   std::vector<std::string> arguments(argv, argv + argc);
   for (std::size_t i = 1; i + 1 < arguments.size(); ++i) {
