@@ -11,9 +11,9 @@ namespace quordalvane::tool {
 
 /// Turns SIGINT, SIGTERM and SIGHUP into events that a program can wait for. While this object
 /// lives, these signals do not interrupt the calling thread or the threads that it starts. SIGINT
-/// and SIGTERM arrive even if the parent process ignored them, as shells do for commands in the
-/// background. An ignored SIGHUP remains ignored: a parent that ignores it, like nohup, wants the
-/// command to outlive its terminal.
+/// and SIGTERM arrive even if the parent process ignored them. For example, the shell of a script
+/// ignores SIGINT for commands in the background. An ignored SIGHUP remains ignored: a parent that
+/// ignores it, like nohup, wants the command to outlive its terminal.
 class StopSignals {
  public:
   /// Throws std::system_error if the system has no descriptor left.
@@ -34,7 +34,8 @@ class StopSignals {
   int descriptor_;
 };
 
-/// Calls a function for every stop signal, with its number, on a thread of its own.
+/// A thread that waits for the signals of `StopSignals`, and calls a function with the number of
+/// each signal.
 class SignalWatch {
  public:
   /// Throws std::system_error if the system has no descriptor or thread left.
