@@ -16,9 +16,9 @@ namespace quordalvane::tool {
 /// Returns the devices that the options name, in order; the virtual printer if they name none.
 std::vector<std::string> devicesOf(const Options& options);
 
-/// Makes an accessory of each device that `devicesOf` returns. If the options name none, writes to
-/// standard error that the virtual printer is used. Throws a CommandFailure with ExitCode::Usage
-/// for an invalid device text.
+/// Returns a new platform with one accessory for each device that `devicesOf` returns. If the
+/// options name no device, writes to standard error that the virtual printer is used. Throws a
+/// CommandFailure with ExitCode::Usage for an invalid device text.
 std::shared_ptr<InterruptiblePlatform> presentDevices(const Options& options,
                                                       const Surroundings& surroundings);
 
@@ -34,11 +34,14 @@ CommandFailure noneMatches(const InterruptiblePlatform& platform, const Options&
 /// The port that a command uses to reach its printer. The port is open while this object exists.
 class Printer {
  public:
-  /// Opens the port. Throws a CommandFailure with ExitCode::NoAccessory and the reason if this
-  /// fails. The command must have no other open port.
+  /// Opens the port on the platform that `presentDevices` returns. Throws the errors of
+  /// `presentDevices`. If the port cannot be opened, throws a CommandFailure with the reason: with
+  /// ExitCode::NotReady if the device is busy, otherwise with ExitCode::NoAccessory. The command
+  /// must have no other open port.
   Printer(const Options& options, const Surroundings& surroundings);
 
-  /// Opens the port on a platform that already has the devices.
+  /// Opens the port on `platform`, to which the accessories must already be attached. Throws as the
+  /// other constructor does if the port cannot be opened.
   Printer(const std::shared_ptr<InterruptiblePlatform>& platform, const Options& options,
           const Surroundings& surroundings);
 
