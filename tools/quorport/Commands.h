@@ -57,7 +57,7 @@ Report simulate(const Options& options, const Surroundings& surroundings);
 
 enum class CommandKind {
   Question,  ///< a query: if its answer is lost, the user may ask again
-  Printing,  ///< a print: if its report is lost, the user must not print again
+  Printing,  ///< a print job: if its report is lost, a second run may print the job twice
   Service,   ///< a server: it handles the signals itself
 };
 

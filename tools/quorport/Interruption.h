@@ -21,9 +21,9 @@ struct Report;
 /// Thrown by an exchange with the printer that the user interrupted.
 class Interrupted {};
 
-/// A stop request: the user's wish to end the command, from the signal until the request takes
-/// effect. The effect depends on the stage of the command. All members may be called from any
-/// thread.
+/// Records a stop request, which is the user's wish to end the command, and lets it take effect.
+/// The effect depends on the stage of the command. `begin`, `beginExchange`, `beginJob` and `end`
+/// set the stage. All members may be called from any thread.
 class Interruption {
  public:
   using GiveUp = std::function<void(const Report& report)>;
@@ -49,8 +49,9 @@ class Interruption {
   /// Replaces the report that is delivered if a stop request ends the command.
   void setReport(Report report);
 
-  /// Returns the report that is delivered if a stop request ends the command. After a stop request,
-  /// the report contains the exit status that `code` returns.
+  /// Returns the report that is delivered if a stop request ends the command. If there was a
+  /// request, the exit status in this report is the result of `code`. Otherwise the report
+  /// is unchanged since the constructor or `setReport` received it.
   Report report();
 
   /// Notes that the command talks to this device from now on.
@@ -75,8 +76,8 @@ class Interruption {
   void end();
 
   /// Waits for `time`, or until the descriptor `noticed` is readable; -1 means no descriptor. In
-  /// the stage in which a port is open, a stop request ends the wait, and `sleep` throws
-  /// Interrupted.
+  /// the stage that `beginExchange` begins, `sleep` throws Interrupted as soon as there is a stop
+  /// request. In the other stages, `sleep` does not notice stop requests.
   void sleep(std::chrono::microseconds time, int noticed = -1);
 
   /// Throws as `sleep` does, but does not wait. To be called in loops that never sleep.

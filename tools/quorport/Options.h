@@ -49,7 +49,7 @@ enum class ReceiptPer { Cut, Job, Connection };
 
 /// How a virtual printer treats a host that connects while another host is connected.
 enum class HostRule {
-  One,     ///< the new host waits until the other has left
+  One,     ///< the new host waits until the connected host has left
   Turns,   ///< hosts remain connected, and their jobs take turns
   Refuse,  ///< the new host is disconnected
 };

@@ -54,8 +54,8 @@ ExitCode codeOf(const PrintResult& result) {
 }
 
 // Returns a hint for the user: how to print without asking the printer how it confirms jobs.
-// Returns "" if this job did not ask the printer. If the printer gave no proof, the hint contains a
-// condition, because the printer may only have answered too late.
+// Returns "" if this job did not ask the printer. If the printer did not answer, the hint says
+// that it applies only if no job gets an answer: this one answer may have been late.
 std::string hintOf(const PrintResult& result) {
   if (!result.hasAskedForProof) {
     return "";
@@ -154,8 +154,8 @@ std::optional<Receipt> receiptFor(const Options& options, const InterruptiblePla
                 : std::nullopt;
 }
 
-// Adds to the report that the receipt file is missing. The job still counts as printed, but the
-// exit status is not 0.
+// Adds the error `why` to the report of a printed job whose receipt file is missing. The job still
+// counts as printed, but the exit status becomes ExitCode::ExchangeFailed. Changes no other report.
 void noteMissingReceipt(Report& report, const std::string& why) {
   if (report.code == ExitCode::Done) {
     report.code = ExitCode::ExchangeFailed;
@@ -164,7 +164,7 @@ void noteMissingReceipt(Report& report, const std::string& why) {
   }
 }
 
-// Returns the text of the device that the port will choose.
+// Returns the device text of the printer that the port will choose.
 std::string chosenDevice(const Options& options, const InterruptiblePlatform& platform) {
   const auto devices = devicesOf(options);
   if (devices.size() == 1) {

@@ -41,8 +41,9 @@ void tellMissing(const std::set<char32_t>& missing, const Streams& streams) {
            streams);
 }
 
-// Returns an output that appends to the job, up to the largest size of a job. A text can be smaller
-// than this limit and exceed it when it is drawn.
+// Returns an output that appends to the job, up to the largest size of a job. A file below this
+// limit can become a job above it, because a drawn character has more bytes than a character in the
+// file.
 render::Output into(Bytes& job) {
   return [&job](std::span<const std::uint8_t> bytes) {
     if (job.size() + bytes.size() > largestJob) {

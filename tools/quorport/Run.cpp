@@ -87,8 +87,9 @@ Report reportOf(const Order& order, const Streams& streams) {
     interruption->end();
   }
   nameDevice(report, interruption->device());
-  // A stop request does not change the exit status of a command that has completed its task.
-  // Otherwise the exit status shows the stop request, and the report shows the result.
+  // A command that has completed its task keeps its exit status 0, even after a stop request. Any
+  // other command gets the exit status of the stop request, if there was one. The rest of the
+  // report is unchanged.
   if (report.code != ExitCode::Done) {
     report.code = interruption->code().value_or(report.code);
   }

@@ -15,8 +15,8 @@ namespace {
 
 using Status = QuorPrinterStatus_2;
 
-// A flag's name, and the remark to be made if it is set. The remark is "" if the summary contains
-// it or if nobody needs it.
+// The name of a flag, and the remark to be made if the flag is set. The remark is "" if `remarks`
+// has another text for the flag, or if nobody needs a remark about the flag.
 struct FlagField {
   std::string_view name;
   std::uint32_t Status::*flag;

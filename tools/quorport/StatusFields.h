@@ -20,7 +20,7 @@ std::vector<std::string> remarks(const QuorPrinterStatus_2& status);
 /// Returns the result of `remarks` as lines of text.
 std::string describe(const QuorPrinterStatus_2& status);
 
-/// Returns every field of the record as a line of text.
+/// Returns the record as text, with one line for each field.
 std::string describeEveryField(const QuorPrinterStatus_2& status);
 
 }  // namespace quordalvane::tool
