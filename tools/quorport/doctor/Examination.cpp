@@ -87,8 +87,8 @@ class Examination {
   }
 
  private:
-  // Returns the sets of settings that `run` tries, in this order. The first set is from the device
-  // text.
+  // Returns the settings of the device that `run` tries one after the other. The first element has
+  // the settings in the device text.
   std::vector<SchemeVariant> variants() const {
     if (scheme_.variants != nullptr) {
       return scheme_.variants(spec_);
