@@ -151,8 +151,9 @@ std::string Control::answer(std::string_view line, simulator::Instant now,
   return text;
 }
 
-// Removes the key `printer` from the request and returns the printer that it names. If the key is
-// missing, returns the printer of number `only`, or all printers if `only` is empty.
+// Returns the printers to which the request applies: those with the name in the key `printer`, or
+// all printers if the key is missing. If `only` is not empty, printers with other numbers are
+// excluded. Throws std::invalid_argument if no printer is left. Removes the key from the request.
 Control::Printers Control::printersIn(Json& request, std::optional<std::size_t> only) {
   Printers chosen;
   const bool isNamed = request.is_object() && request.contains("printer");

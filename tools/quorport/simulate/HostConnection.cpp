@@ -25,9 +25,11 @@ constexpr std::size_t mostReadAhead = std::size_t{16} << 20U;
 
 constexpr std::size_t mostOutgoing = std::size_t{64} << 10U;
 
-// After the printer has dropped the link: how long the host may take to read the last bytes before
-// they are lost, and how often this is checked.
+// How long the host may take to read the printer's last bytes after the printer has dropped the
+// link. Bytes that the host has not read by then are lost.
 constexpr Instant settlingTime = 1s;
+
+// The pause between two checks whether the host has read the printer's last bytes.
 constexpr Instant settlingPause = 10ms;
 
 }  // namespace
@@ -64,9 +66,9 @@ void HostConnection::work(Instant now) {
   }
 }
 
-// While the printer has no space, nothing is read from the host, so this function must notice that
-// the host has left. It then reads the host's last data. There is little of it, because the host
-// can send no more.
+// While the printer has no space, `takeFromHost` reads nothing, so it cannot notice that the host
+// has left. This function notices it, and then reads the last data of the host. The amount of this
+// data is small, because the host can send no more.
 void HostConnection::noticeHangUp() {
   constexpr int hangUp = POLLRDHUP | POLLHUP | POLLERR;
   const bool wouldBeRead = hostEnded_ || wantsBytes();

@@ -42,8 +42,8 @@ class HostConnection {
   /// Gives the line to the caller. Afterwards this object must not be used.
   std::unique_ptr<Line> release() { return std::move(line_); }
 
-  /// After this call, this object reads from the line even if the printer has no space, up to a
-  /// limit. If it did not, unread bytes would hide that the host has left. The reading ahead ends
+  /// After this call, this object reads up to about 16 MiB from the line even if the printer has
+  /// no space. Otherwise unread bytes would hide that the host has left. The reading ahead ends
   /// when the printer has taken all bytes.
   void readAhead() { readsAhead_ = true; }
   bool readsAhead() const { return readsAhead_; }

@@ -28,11 +28,11 @@ class Line {
   virtual void endOutput() = 0;
 
   /// To be called after `endOutput`, every few milliseconds. Returns true after the host has read
-  /// everything: the line can then be closed, and no byte is lost. Discards later bytes of the
-  /// host. Does not wait.
+  /// everything: the line can then be closed, and no byte is lost. May discard bytes that the host
+  /// still sends. Does not wait.
   virtual bool hasSettled() = 0;
 
-  /// Makes the line end by a reset when it is closed, if this kind of line can do so.
+  /// After this call, closing the line resets the connection, if this kind of line can do so.
   virtual void resetOnClose() = 0;
 
   /// Returns true if the host has reset the connection.

@@ -28,25 +28,26 @@ class Links {
 
   /// Adds faults to the current link and to all later ones; sets the seed if `faults` contains one.
   /// The fault `cut` ends only one link: the current one, or the next one if there is none. The
-  /// fault `at` makes another fault, or a setting of the printer, take effect later, even if there
-  /// is no link at that time.
+  /// fault `at` contains a delay and another fault or a setting of the printer. The contained fault
+  /// or setting takes effect after the delay, even if there is no link at that time.
   void add(const simulator::Faults& faults, simulator::Instant now);
 
   /// Removes all faults, even delayed ones. The seed is kept.
   void clear(simulator::Instant now);
 
-  /// Returns the faults that affect every link or are pending, in the order in which they were
-  /// added.
+  /// Returns first the faults that affect every link, then each `cut` that waits for the next link,
+  /// then each `at` that `add` received and whose delay has not ended.
   std::vector<simulator::Fault> faults() const;
 
-  /// Applies the pending faults and settings whose time has arrived.
+  /// Applies the delayed faults and settings whose delay has ended.
   void work(simulator::Instant now);
 
-  /// Returns the time at which the next pending fault or setting is due; empty if none is pending.
+  /// Returns the time at which the next delay ends; empty if no fault or setting is delayed.
   std::optional<simulator::Instant> nextEvent() const;
 
  private:
-  struct Coming {  // a fault `at`: the fault or setting in it takes effect at the time `due`
+  // A fault of the kind `At`, and the time at which its delay ends.
+  struct Coming {
     simulator::Instant due;
     simulator::Fault fault;
   };
@@ -58,7 +59,7 @@ class Links {
   simulator::VirtualPrinter& printer_;
   simulator::Faults faults_;
   std::vector<simulator::Fault> forNextLink_;
-  std::vector<Coming> coming_;  // sorted by their times
+  std::vector<Coming> coming_;  // sorted by `due`
   std::unique_ptr<simulator::PrinterLink> link_;
 };
 

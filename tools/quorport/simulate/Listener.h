@@ -12,7 +12,7 @@ class Listener {
  public:
   virtual ~Listener() = default;
 
-  /// Returns the address as the text of a device.
+  /// Returns the address as a device text, which is the form that the option --device reads.
   virtual std::string place() const = 0;
 
   /// Returns the descriptor that becomes readable when a host connects.

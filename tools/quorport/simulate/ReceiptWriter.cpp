@@ -16,8 +16,8 @@
 namespace quordalvane::tool {
 namespace {
 
-// Returns the approximate size of a job in bytes. Even a job without paper has a size, so the count
-// of waiting jobs is limited.
+// Returns the approximate size of a job in bytes. The result is never 0, so that the limit
+// `mostWaiting` on the size of all waiting jobs limits their number as well.
 std::size_t weightOf(const ReceiptWriter::Job& job) {
   return sizeof job + job.paper.weight();
 }
