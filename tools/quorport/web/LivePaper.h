@@ -9,8 +9,9 @@
 
 namespace quordalvane::tool {
 
-/// The paper of one printer while it is printed, in the form that browsers show. It notes how much
-/// of the paper has been passed on to be drawn, and keeps the events that show the latest rows.
+/// The paper on which one printer is printing, in the form that browsers show. This class counts
+/// the items of the paper that have been passed on to be drawn, and keeps the events that show the
+/// latest rows.
 class LivePaper {
  public:
   /// When a browser opens the page, it gets at least this many of the latest rows, or all rows if

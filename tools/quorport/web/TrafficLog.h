@@ -21,8 +21,8 @@ class TrafficLog {
   static constexpr std::size_t mostEntries = 500;
   static constexpr std::size_t mostKept = 200;  ///< the count of entries that the page shows
 
-  /// Adds a command to printer number `printer`, or an answer of this printer; `time` is in
-  /// milliseconds since 1970.
+  /// Adds an entry for `deed`: a command that printer number `printer` received, or an answer that
+  /// the printer sent. The first printer has the number 1. `time` is in milliseconds since 1970.
   void add(unsigned printer, const simulator::VirtualPrinter::Deed& deed, std::int64_t time);
 
   /// Adds a control line, which is a command to the simulator, and its answer. `printer` 0 means

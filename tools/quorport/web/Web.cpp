@@ -24,7 +24,7 @@ namespace {
 using namespace std::chrono_literals;
 using simulator::Instant;
 
-// The shortest time between two reports of states and of the log.
+// Within this time, changed states and new log entries are sent to the browsers at most once.
 constexpr Instant pause = 50ms;
 
 std::int64_t millisecondsNow() {
