@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <string>
 
-// Turns C++ exceptions into codes and texts. The library of the journal uses the same functions, so
-// quor_last_error also returns the text of a failed call of that library.
+// Turns C++ exceptions into codes and texts. The library of the journal functions (QuorJournalC.h)
+// also uses this header, so quor_last_error returns the error texts of those functions as well.
 
 namespace quordalvane::c {
 

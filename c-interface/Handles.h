@@ -77,7 +77,7 @@ struct QuorPrintJob {
     result.bytesTotal = size;
   }
 
-  std::string waitsFor;  // the reason of the printer's pause; set while the job runs
+  std::string waitsFor;  // why the printer has paused in the job; "" if it has not paused
 
   // May be empty. While a named job runs, this function also records the beginning of the job in
   // the journal.

@@ -20,7 +20,8 @@ static_assert(sameNumber(QUOR_OBSTACLE_CANCELLED, PrintObstacle::Cancelled));
 static_assert(sameNumber(QUOR_OBSTACLE_EXCHANGE_FAILED, PrintObstacle::ExchangeFailed));
 static_assert(sameNumber(QUOR_OBSTACLE_NO_PROOF, PrintObstacle::NoProof));
 
-/// Returns the proof with this number; null for Auto, so that the device text may choose the proof.
+/// Returns the proof with this number. Returns null for Auto: the job then uses the `proof=` of the
+/// device text.
 std::optional<ProofKind> proofOf(std::int32_t number) {
   const auto proof = proofNumbered(number);
   if (!proof) {
