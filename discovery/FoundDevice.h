@@ -21,7 +21,9 @@ struct FoundDevice {
   std::string maker;         ///< the maker; "" if it is not known
   std::string model;         ///< the model; "" if it is not known
   Via via;
-  std::optional<bool> reachable;  ///< null if only opening a session shows whether it is reachable
+
+  /// Whether the device is reachable; null if only an attempt to open a session can show this.
+  std::optional<bool> reachable;
 };
 
 /// Returns a copy of `text` that is fit for a `FoundDevice`: control characters are escaped, and
