@@ -6,10 +6,11 @@
 namespace quordalvane::fuzz {
 
 /// Returns a link whose printer sends arbitrary replies. Uses all remaining bytes of `input` as a
-/// list of replies. The first byte of a reply selects its delay, and the request that it answers,
-/// if any. The second byte selects the length of the reply, up to 63 bytes; the bytes of the reply
-/// follow. If two replies belong to one request, the second answers the repeated request. Instead
-/// of a reply, the list can contain the end of the link.
+/// list of replies. The first byte of a reply selects the delay of the reply and the request to
+/// which the reply belongs. With some values the reply belongs to no request. The second byte
+/// selects the length of the reply, up to 63 bytes; the bytes of the reply follow. If two replies
+/// belong to the same request, the second is sent when this request is repeated. Instead of a
+/// reply, an entry of the list can mean that the link is lost.
 inline test::Script arbitraryLink(Input& input) {
   using test::bytes;
   static const Bytes requests[] = {

@@ -26,7 +26,7 @@ test::Scenario scenarioFrom(fuzz::Input& input) {
 
 /// The first byte chooses the operation, the next two the settings of the port, and the rest the
 /// printer's replies. The port and the test's model of the port must agree in the result, the
-/// record, the properties, and every call, pause and log record.
+/// printer status, the properties, and every call, pause and log record.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::vector<test::Call> calls = test::allCalls();
   fuzz::Input input(data, size);

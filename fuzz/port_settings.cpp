@@ -33,7 +33,8 @@ std::int64_t expectedDataTimeout(const std::string& settings) {
 
 }  // namespace
 
-/// The input is a settings text; the port must read the expected number from it.
+/// The input is a settings text. The port must read the same data time-out from it as
+/// `expectedDataTimeout`.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const auto platform = std::make_shared<test::VirtualPlatform>();
   const std::string settings(data, data + size);
