@@ -1,5 +1,5 @@
-// The checked block, which encloses a job whose printing is verified, and the data cancel, which
-// makes the printer drop its data.
+// The operations `beginCheckedBlock` and `endCheckedBlock`, which verify that a job is printed, and
+// `startDataCancel`, which makes the printer drop its data.
 
 #include <algorithm>
 #include <array>

@@ -49,8 +49,8 @@ QUOR_EXPORT extern const std::uint8_t escAckSoh[3];
 ///
 /// **Time.** Time-outs are given in milliseconds and rounded down to whole seconds. A wait with a
 /// limit of n seconds ends when the seconds of the wall clock have advanced by more than n, that is
-/// after n to n + 1 seconds. A limit below 1000 ms counts as 0 seconds: the wait ends when the
-/// clock reaches its next second. The "input/output time-out" is the one that was passed to
+/// after n to n + 1 seconds. A limit below 1000 ms counts as 0 seconds: the wait ends when the next
+/// second of the clock begins. The "input/output time-out" is the one that was passed to
 /// `initWithPortName`.
 ///
 /// **Errors.** On failure, counts are -1, buffers and strings are null, and booleans are false. The
@@ -72,9 +72,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// valid character counts as one character. A port whose name has fewer than three characters
   /// cannot be opened. Names are compared byte by byte. `portSettings` may contain, at any place, a
   /// data time-out option: the letter d followed by a number of seconds from 0 to 255. A larger
-  /// number is logged and ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds;
-  /// with zero, a wait ends when the clock reaches its next second. The port keeps `platform`
-  /// alive.
+  /// number is logged and ignored. `ioTimeoutMillis` is the input/output time-out in milliseconds.
+  /// With 0, a wait ends when the next second of the clock begins. The port keeps `platform` alive.
   ///
   /// On the main thread, this function also starts the port thread. Returns null if `platform` is
   /// null or the thread cannot be created. Any thread may call this function.
@@ -108,10 +107,9 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// Ends the session: closes the streams and releases the session and the accessory. Waits until
   /// the printer has taken the bytes that were written: at most two seconds over a socket, and not
   /// at all if the printer has taken them already. Before this wait, `close` pauses 0.1 s if the
-  /// platform reports the system version 10.0 or more. Over real links on Linux the system version
-  /// is that of the kernel, which is below 10.0 today. A call on the main thread also ends the port
-  /// thread, within about 0.1 s. Never fails and never throws; may be called on a port that is not
-  /// open.
+  /// platform reports the system version 10.0 or more. On Linux the platform reports the version of
+  /// the kernel, which is below 10.0 today. A call on the main thread also ends the port thread,
+  /// within about 0.1 s. Never fails and never throws; may be called on a port that is not open.
   void close();
 
   /// Returns true while the selected accessory is attached, even if `open` could not open a session
@@ -154,12 +152,12 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// offers only the rest of the command. The sum of the bytes that all attempts have sent is then
   /// compared with the length of this rest. This arithmetic is kept so that the printers in use
   /// receive the same bytes as until now. There are three cases. (a) The sum equals the length of
-  /// the rest: the operation returns success, although bytes are unsent. (b) The sum is smaller:
-  /// the next attempt skips a number of bytes that equals the sum, although some of these bytes are
-  /// unsent. (c) The sum is larger, for example because the second attempt sent the whole rest: the
-  /// rest is sent again and again, without a pause or a time-out, as long as the link takes it.
-  /// Therefore use this operation only for short commands, which a link takes in one attempt. Send
-  /// print data by `write` in a loop, or by a PrintJob.
+  /// the rest: the operation returns success, although bytes are unsent. (b) The sum, for example 4
+  /// bytes, is smaller: the next attempt skips the first 4 bytes of this rest, although some of
+  /// them are unsent. (c) The sum is larger, for example because the second attempt sent the whole
+  /// rest: the rest is sent again and again, without a pause or a time-out, as long as the link
+  /// takes it. Therefore use this operation only for short commands, which a link takes in one
+  /// attempt. Send print data by `write` in a loop, or by a PrintJob.
   std::int32_t writeWithRetry(const ByteBuffer& command);
 
   // -- Status -------------------------------------------------------------------------------------
@@ -316,8 +314,8 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// @}
 
   /// How many milliseconds `beginCheckedBlock` waits, in line mode, for somebody to take the paper
-  /// from the exit. The initial value is 0. With 0, the wait ends when the clock reaches its next
-  /// second.
+  /// from the exit. The initial value is 0. With 0, the wait ends when the next second of the clock
+  /// begins.
   /// @{
   std::uint32_t holdPrintTimeoutMillis() const { return _holdPrintTimeoutMillis; }
   void setHoldPrintTimeoutMillis(std::uint32_t millis) { _holdPrintTimeoutMillis = millis; }

@@ -10,7 +10,7 @@ namespace quordalvane {
 namespace {
 
 /// Called for a `number` outside the range of a float. Returns true if the number is too large, and
-/// false if it is too small.
+/// false if it is too close to zero.
 bool isTooLarge(std::string_view number) {
   const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
   const std::string_view digits = number.substr(0, mark);

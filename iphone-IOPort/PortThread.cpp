@@ -39,8 +39,9 @@ void ExternalAccessoryPort::runLoop71() {
 
 /// Runs the routine on the port thread, or on the calling thread if no port thread can run it. A
 /// port that was not created on the main thread has no port thread; after a close the port thread
-/// has ended or is about to end. A thread that is about to end would still run the routine, but
-/// would no longer run the loop on which the routine schedules the streams.
+/// has ended or is about to end. A thread that is about to end could still run the routine. But the
+/// routine schedules the streams on the run loop of its thread, and this thread would no longer run
+/// its run loop.
 void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*routine)()) {
   const auto thread = thread71();
   const bool runs = thread != nullptr && !stopThread71;

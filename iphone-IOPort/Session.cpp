@@ -50,8 +50,8 @@ void ExternalAccessoryPort::selectAccessory() {
   const auto specifiedPortName = designationIn(portName_);
   QUOR_LOG(ZKLogTypeProcess, 0, "specifiedPortName: %@", specifiedPortName);
   const auto accessoryArray = platform_->sharedAccessoryManager().connectedAccessories();
-  // A session that was not closed must not be used any more; it is released together with its
-  // accessory.
+  // The session of an earlier `open` may still be open. It is released together with its accessory,
+  // so that nothing uses it any more.
   _session.set(nullptr);
   _selectedAccessory.set(nullptr);
   const auto chosen = std::find_if(

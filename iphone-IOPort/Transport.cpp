@@ -252,8 +252,9 @@ std::int32_t ExternalAccessoryPort::retryWrite(const ByteBuffer& givenCommand, R
         return -1;
       }
       usleep(microseconds(secInterval1()));
-      // The offset into the unsent rest is the number of bytes that all attempts together have
-      // sent. The comment on the declaration of `writeWithRetry` says why.
+      // After a second attempt, `*command` is only a rest of the command, but the offset also
+      // counts the bytes that were sent before this rest. The comment on the declaration of
+      // `writeWithRetry` says why.
       const std::int32_t offset = std::max(amountWritten, 0);
       const Range subDataRange = {.location = offset, .length = length - offset};
       tail = subrange(*command, subDataRange);

@@ -8,8 +8,9 @@ namespace quordalvane {
 class EAAccessory;
 class EAAccessoryManager;
 
-/// Functions for models and Bluetooth addresses, by which a port selects an accessory. Any thread
-/// may call them. The last two ask the platform; the others are pure.
+/// With these functions a port checks the model number and the Bluetooth address of an accessory,
+/// to decide whether to select it. Any thread may call them. The last two ask the platform; the
+/// others are pure.
 class Util {
  public:
   /// Returns true if `modelNumber` ends in "-U". A model with such a number is attached by a USB
@@ -24,7 +25,8 @@ class Util {
   /// Returns true if the platform has its own way to read an accessory's Bluetooth address.
   static bool isSet(EAAccessoryManager& manager);
 
-  /// Returns the accessory's Bluetooth address as the platform reads it, or "".
+  /// Asks the platform for the accessory's Bluetooth address. Returns "" if the platform gives
+  /// none.
   static std::string getMACAddressFromSpecifiedMethod(EAAccessoryManager& manager,
                                                       EAAccessory& accessory);
 };

@@ -24,7 +24,7 @@
  *
  * Time-outs are in milliseconds. The time-outs of a port are rounded down to whole seconds of the
  * wall clock: a time-out of n seconds ends after n to n + 1 seconds, and a time-out below 1000 ms
- * ends when the clock reaches its next second.
+ * ends when the next second of the clock begins.
  */
 
 #include <quordalvane/QuorCodeC.h>

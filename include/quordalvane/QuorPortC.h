@@ -40,10 +40,10 @@ typedef struct QuorPort QuorPort;
  * selects the printer with that name, number or address. `port_name` is UTF-8; its first three
  * characters are the prefix, even if they are not "BT:". `port_settings` may be null, or contain
  * the letter d followed by the data time-out, 0 to 255 seconds. `timeout` is the input/output
- * time-out in milliseconds; with 0, a wait ends when the clock reaches its next second. On the main
- * thread the function also starts the port's own thread, which runs until quor_port_close. Returns
- * QUOR_FAILED, with null in `*port`, if quor_connect_devices was not called before or the thread
- * cannot be created. */
+ * time-out in milliseconds; with 0, a wait ends when the next second of the clock begins. On the
+ * main thread the function also starts the port's own thread, which runs until quor_port_close.
+ * Returns QUOR_FAILED, with null in `*port`, if quor_connect_devices was not called before or the
+ * thread cannot be created. */
 QUOR_EXPORT QuorCode quor_port_create(const char* port_name, const char* port_settings,
                                       uint32_t timeout, int32_t emulation, QuorPort** port);
 
