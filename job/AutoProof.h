@@ -9,8 +9,9 @@
 namespace quordalvane {
 
 /// Asks an ESC/POS printer which proof it gives, and then forwards all calls to that proof. The
-/// result of the search is kept for as long as the port exists. The printer is asked again only if
-/// the search found no proof and the printer has later sent an answer that can prove a job.
+/// result is kept for as long as the port exists. A later job asks again only in one case: the
+/// printer gave no proof, but an answer of a kind that can prove a job arrives while the later job
+/// checks that the printer is ready.
 class AutoProof final : public Proof {
  public:
   AutoProof(PortLink& link, PrintResult& result);

@@ -34,8 +34,7 @@ class CheckedBlock : public Proof {
   const QuorPrinterStatus_2& status() const { return status_; }
 
  private:
-  /// Checks the printer before the block. Returns a setback, which holds the reason, if no block
-  /// may begin.
+  /// Checks the printer before the block. Returns a setback with the reason if no block may begin.
   virtual MaybeSetback prepare() = 0;
 
   /// The command that requests one status answer.

@@ -5,9 +5,9 @@
 namespace quordalvane {
 
 /// A command that begins a data cancel, and a command that ends it. At the first command, a printer
-/// that supports the checked block drops the data that it holds. Without the second command, a data
-/// time-out that an earlier job has set would have an effect: after a pause in the data, the
-/// printer would drop the data of later jobs.
+/// that supports the checked block drops the data that it holds. The second command is needed
+/// because a data time-out has an effect only during a data cancel: if an earlier job has set this
+/// time-out, the printer would otherwise drop the data of later jobs after a pause in that data.
 inline constexpr std::uint8_t dropAll[] = {0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00,
                                            0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 

@@ -32,8 +32,8 @@ class EndSign : public Proof {
   MaybeSetback askAndAwait(ByteView question);
 
  private:
-  /// Prepares the proof so that the sign of an earlier job cannot be taken for the sign of this
-  /// job. Called before the data is sent. Returns a setback if the data must not be sent.
+  /// Called before the data is sent. Prevents a late answer to a query of an earlier job from being
+  /// taken for the sign that this job was printed. Returns a setback if the data must not be sent.
   virtual MaybeSetback prepare() { return std::nullopt; }
 
   /// Stores in `question` the query that will follow `data`. Returns a setback if the answer to
@@ -44,7 +44,7 @@ class EndSign : public Proof {
   /// Returns whether the sign of this job has arrived.
   virtual bool isSeen() const = 0;
 
-  /// Returns whether the sign can still arrive if it has not arrived yet.
+  /// Returns false if the sign has not arrived and cannot arrive any more.
   virtual bool isPossible() const { return true; }
 
   /// Returns true if a longer wait cannot change the result.

@@ -50,8 +50,8 @@ class EscPosAnswers {
   std::uint64_t inOrderCount() const { return inOrderCount_; }
   /// @}
 
-  /// Returns whether there was an answer of a kind that can prove a job: a process ID, a report or
-  /// an in-order status.
+  /// Returns whether the printer has sent an answer of a kind that can prove that a job was
+  /// printed: a process ID, a report of a mark or an in-order status.
   bool isAnyProof() const { return !ids_.empty() || report_ || inOrderCount_ > 0; }
 
   /// Returns whether a byte has arrived that does not belong to any answer.

@@ -46,7 +46,7 @@ class PortLink final : private TransferObserver {
 
   /// Calls `operation` and returns its result. A read or write of the operation throws GivenUp if
   /// `limit` has passed. A read that fails throws GivenUp even before `limit` has passed. If calls
-  /// are nested, the limit that ends first counts.
+  /// are nested, the earliest limit applies.
   template <typename Operation>
   auto within(std::chrono::nanoseconds limit, Operation operation) {
     const Limited limited(*this, now() + limit);
@@ -60,8 +60,9 @@ class PortLink final : private TransferObserver {
   void ignoreCancel() { isCancelIgnored_ = true; }
 
   /// Sends all of `data`, each byte once, and counts in `accepted` how many bytes the link took.
-  /// Returns a setback, which holds the reason, if the link is lost, or takes no byte for as long
-  /// as the time-out. `reply` says whether the printer may answer the data.
+  /// Returns null when the link has taken all bytes. Returns a setback with the reason if the link
+  /// is lost, a write fails, or the link takes no byte for as long as the time-out. `reply` says
+  /// whether the printer may answer the data.
   MaybeSetback move(ByteView data, std::uint64_t& accepted, const Progress& progress = {},
                     Reply reply = Reply::Possible);
 

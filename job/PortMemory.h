@@ -18,8 +18,8 @@ struct PortMemory {
   std::set<ProofKind> owed;  ///< the proofs for which the printer may still send an answer
 };
 
-/// Returns the memory of `port`, which must not be null. Any thread may call this function, but
-/// only one job at a time may use the memory of a port.
+/// Returns the PortMemory that belongs to `port`. `port` must not be null. Any thread may call this
+/// function, but only one job at a time may use the PortMemory of a port.
 PortMemory& memoryOf(const std::shared_ptr<ExternalAccessoryPort>& port);
 
 }  // namespace quordalvane

@@ -113,8 +113,8 @@ std::optional<PrintCommand> downloadedImage(ByteView data) {
   return counted(4, std::size_t{8} * data[2] * data[3]);
 }
 
-// The command has the form 1b 26 y c1 c2, followed by the characters. Each character begins with
-// its width x; y times x bytes follow.
+// The command has the form 1b 26 y c1 c2, followed by the characters. Each character consists of
+// one byte with its width x, and y * x bytes with its dots.
 std::optional<PrintCommand> userCharacters(ByteView data) {
   const std::size_t rows = data[2];
   const std::uint8_t first = data[3];

@@ -10,14 +10,16 @@
 
 namespace quordalvane {
 
-/// Returns, in words and with the position, why a checked block cannot confirm the printing of
-/// `data`. There are two reasons: a command in the data causes answers that look like the printer's
+/// Returns a text for people that says why a checked block (`ProofKind::Block`) cannot confirm the
+/// printing of `data`. The text names the command that prevents the confirmation, and its position.
+/// There are two cases: a command in the data causes answers that look like the printer's
 /// confirmation in this emulation, or the data ends inside a command. Returns null if a checked
 /// block can confirm the printing.
 ///
-/// The payload of a command that states its length (an image, a barcode, a stored graphic) is not
-/// searched, as long as all commands before it are known. The parameters of a command are searched
-/// as if they were commands, because a printer may take them for commands.
+/// Some commands contain the length of their payload, for example those for images, barcodes and
+/// stored graphics. Such a payload is not searched, as long as all commands before it are known.
+/// The parameters of other commands are searched as if they were commands, because a printer may
+/// take them for commands.
 std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emulation);
 
 /// Returns true if the printer certainly does not answer anything in `data`: all commands in it are
@@ -31,12 +33,12 @@ bool isNeverAnswered(ByteView data);
 /// end of the data.
 std::size_t commandEnd(ByteView data, std::size_t position);
 
-/// Returns, in words, why a query after `data` would prove nothing. There are two reasons. The data
-/// may end inside a command: the printer would read the query as a part of this command. Or a
-/// command in the data may make the printer drop data. Returns null if a query after `data` can
-/// prove the printing. The payload of a command that states its length is searched only for the
-/// command 10 14 08 (hex): a printer obeys this command on arrival, even inside a payload, and
-/// clears its buffer.
+/// Returns a text for people that says why a query after `data` would prove nothing. There are two
+/// cases. The data ends inside a command: the printer would read the query as a part of this
+/// command. Or a command in the data makes a printer drop data. Returns null if a query after
+/// `data` can prove the printing. If a command contains the length of its payload, this payload is
+/// searched only for the command 10 14 08 (hex). A printer obeys that command on arrival, even
+/// inside a payload, and clears its buffer.
 std::optional<std::string> endSignObstacle(ByteView data);
 
 /// Returns how many in-order statuses (see inOrderRequest) the data itself requests; null if they

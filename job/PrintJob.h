@@ -35,8 +35,9 @@ struct PrintProgress {
   std::string waitsFor = {};
 };
 
-/// One print job over an open port. A job begins a proof, sends the data, ends the proof, and
-/// reports the outcome. A job sends the data once, and never again by itself. An example:
+/// One print job over an open port. A job prepares the printer, sends the data, waits for the
+/// printer's confirmation that the data was printed, and reports the outcome. A job sends the data
+/// once, and never again by itself. An example:
 ///
 ///     const PrintResult result = PrintJob(port).run("1 Espresso   1.80\n");
 ///

@@ -43,8 +43,8 @@ struct PrintResult {
   /// gives no proof.
   ProofKind proof = ProofKind::None;
 
-  /// True if the job asked the printer which proof it gives. To avoid this query, name the proof in
-  /// the job's options or in the key `proof=` of the device.
+  /// True if the job asked the printer how it can confirm a job. To avoid this query, choose a
+  /// proof other than Auto in the job's options or in the key `proof=` of the device.
   bool hasAskedForProof = false;
 
   /// The result code of `beginCheckedBlock`; `ZKQuorIOResultCodeFailedError` if the job had no

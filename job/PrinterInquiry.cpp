@@ -136,10 +136,11 @@ class Question final : private TransferObserver {
   }
 
  private:
-  // If parts of the first answer, a status block, arrive late, the port takes them for the second
-  // answer. It rejects most of these parts, and then reports that the printer did not answer. But
-  // if the last read of the port received nothing, the port's time-out has passed without a second
-  // answer, and nothing was mixed up.
+  // The first answer is a status block. If bytes of this block arrive late, the port reads them as
+  // the second answer. If the port accepts such bytes, the received bytes are not exactly whole
+  // blocks and one byte for each query. If the port rejects such bytes, it reports that the printer
+  // did not answer. But if the last read of the port received nothing, the port's time-out has
+  // passed without a second answer, and nothing was mixed up.
   bool isMixedUpInESCPOS(bool isAnswered) const {
     constexpr std::size_t queries = 3;
     const Bytes bytes = joined(reads_);

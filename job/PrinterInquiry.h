@@ -40,9 +40,9 @@ class QUOR_EXPORT InquiryError : public std::runtime_error {
   InquiryCause cause_;
 };
 
-/// Queries a printer over an open port and checks its answers. The port's own queries do not check:
-/// they may accept the rest of an earlier answer, or bytes of another kind of device, as the
-/// answer. Nothing is printed.
+/// Queries a printer over an open port and checks its answers. The queries of the port itself make
+/// no such check: they may accept the rest of an earlier answer as the answer, or bytes from a
+/// device that is not a printer. Nothing is printed.
 ///
 ///     std::cout << (PrinterInquiry(port).isOnline() ? "on line" : "off line");
 ///

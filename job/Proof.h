@@ -21,8 +21,7 @@ namespace quordalvane {
 /// functions of a proof.
 class Proof : public TransferObserver {
  public:
-  /// Prepares the printer. If it returns a setback (the reason of a failure), the data must not be
-  /// sent.
+  /// Prepares the printer. Returns a setback, with the reason, if the data must not be sent.
   virtual MaybeSetback begin() = 0;
 
   /// Ends the job and waits for the printer's confirmation. `data` is the whole job and not empty.

@@ -14,9 +14,9 @@ constexpr std::uint8_t resetAndMark[] = {0x1b, 0x1d, 0x03, 0x02, 0x00, 0x00,
                                          0x1b, 0x1d, 0x03, 0x01, 0x00, 0x00};
 constexpr std::uint8_t countOfOneMark = 1;
 
-/// Returns three queries, which are sent in one write: for a process ID, for the report of a mark,
-/// and for an in-order status. The three answers have different forms; the in-order status arrives
-/// last.
+/// Returns three queries, which are sent in one write: a process ID that the printer sends back, a
+/// mark that the printer counts and reports, and a request for an in-order status. The three
+/// answers have different forms; the in-order status arrives last.
 std::vector<std::uint8_t> questionWith(const JobId& id) {
   auto question = processIdCommand(id);
   question.insert(question.end(), std::begin(resetAndMark), std::end(resetAndMark));

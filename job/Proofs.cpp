@@ -33,7 +33,7 @@ std::unique_ptr<Proof> makeUnknown(PortLink& link, PrintResult& result) {
 
 using Maker = std::unique_ptr<Proof> (*)(PortLink& link, PrintResult& result);
 
-/// A row of the table of proofs: the functions that create a proof in each emulation.
+/// A kind of proof, and for each emulation the function that creates a proof of this kind.
 struct Row {
   ProofKind kind;
   Maker inLineMode;

@@ -8,8 +8,9 @@
 
 namespace quordalvane {
 
-/// Returns whether a status block of line mode may begin with this byte: its two highest bits are
-/// 10, and the length in it covers at least the header and the version of the layout.
+/// Returns whether this byte can be the first byte of a line-mode status block. The two highest
+/// bits of the byte must be 10. The other bits contain the length of the block, which must be at
+/// least 2: this byte, and a byte with the version of the layout.
 inline bool startsStatusBlock(std::uint8_t byte) {
   return (byte & 0xc0) == 0x80 && CalculateStatusLength(byte) >= 2;
 }

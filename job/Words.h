@@ -5,7 +5,7 @@
 
 namespace quordalvane {
 
-/// The reason that a job reports if it failed because the printer sent no answer.
+/// The text that explains the failure of a job to a person if the printer sent no answer.
 inline constexpr auto noAnswer =
     "the printer does not answer; it may be switched off, set to another emulation, or in use by "
     "another program";
