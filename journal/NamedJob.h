@@ -43,18 +43,18 @@ struct NamedJobResult {
   std::int64_t attempt = 0;  ///< the number of this attempt, from 1; 0 if there was no attempt
   bool isRepeated = false;   ///< true if an earlier call printed the job; this call sent nothing
 
-  /// Two times, in milliseconds since 1970, UTC: `begun` is the time at which this attempt began,
-  /// and `told` the time at which a person was told that the outcome is unknown (see
-  /// `NamedJob::tell`). Both times are set only if the journal gave the answer and nothing was
-  /// sent.
+  /// Two times of an earlier attempt, in milliseconds since 1970, UTC: `begun` is the time at which
+  /// that attempt began, and `told` the time at which a person was told that its outcome is unknown
+  /// (null if nobody was told; see `NamedJob::tell`). Both are set only if this call sent nothing
+  /// and `result` is that of an earlier attempt in the journal; otherwise they are 0 and null.
   /// @{
   std::int64_t begun = 0;
   std::optional<std::int64_t> told = {};
   /// @}
 
-  /// The reason why the outcome could not be recorded, for a person; "" if it was recorded.
-  /// `result` is correct even if it was not recorded, but in this case the next call with the same
-  /// job name will answer that the outcome is unknown.
+  /// A text for people that says why the journal could not record the outcome; "" if the outcome
+  /// was recorded. `result` is correct even if it was not recorded. But then the next call with the
+  /// same job name will answer that the outcome is unknown.
   std::string notRecorded = {};
 };
 
@@ -79,8 +79,9 @@ class QUOR_EXPORT NamedJob {
  public:
   /// Claims the name. If another process has the name, waits until that process frees it, up to the
   /// time-out in `request`. Throws `std::invalid_argument`, with a message for people, if the name
-  /// is invalid or the journal has a job of this name with other data (length or SHA-256). Throws
-  /// `JournalError` if the journal cannot be read or locked. Nothing is sent or recorded here.
+  /// is invalid. Also throws it if the journal has a job of this name whose data has another length
+  /// or SHA-256, unless `isNameEnough` is set. Throws `JournalError` if the journal cannot be read
+  /// or locked. Nothing is sent or recorded here.
   NamedJob(Journal& journal, NamedJobRequest request, ByteView data);
 
   ~NamedJob();
