@@ -11,12 +11,17 @@
 
 namespace quordalvane {
 
-/// The texts with which an accessory describes itself. The defaults fit a printer of the maker
-/// "quor dalvane".
+/// The data that an accessory gives about itself, such as its name and its serial number. The
+/// defaults fit a printer of the maker "quor dalvane".
 struct AccessoryIdentity {
-  std::optional<std::string> name;          ///< a port name may select the accessory by its name
-  std::optional<std::string> serialNumber;  ///< a port name may select the accessory by this number
-  std::optional<std::string> modelNumber;   ///< for example "XQ700"
+  /// The name. The port name "BT:NAME" selects the accessory whose name is NAME.
+  std::optional<std::string> name;
+
+  /// The serial number. The port name "BT:NUMBER" selects the accessory with the serial number
+  /// NUMBER.
+  std::optional<std::string> serialNumber;
+
+  std::optional<std::string> modelNumber;  ///< for example "XQ700"
 
   /// The maker. A port chooses only accessories of the default maker; the letter case does not
   /// matter.
@@ -32,11 +37,11 @@ struct AccessoryIdentity {
   std::uint64_t connectionID = 0;  ///< a number that distinguishes the accessories of a process
 };
 
-/// An accessory whose texts are given at creation. It is the base class of the accessories of all
-/// back ends.
+/// An accessory whose name, serial number and other data are given at creation. It is the base
+/// class of the accessories of all back ends on Linux.
 class QUOR_EXPORT IdentifiedAccessory : public EAAccessory {
  public:
-  /// The accessory has the texts of `identity`; the functions below return them.
+  /// The functions below return the members of `identity`.
   explicit IdentifiedAccessory(AccessoryIdentity identity);
 
   std::optional<std::string> name() override { return identity_.name; }

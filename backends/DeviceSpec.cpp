@@ -181,7 +181,8 @@ bool takesPlace(const Scheme& scheme, const std::string& place) {
   }
 }
 
-// Returns a hint with the devices that a text without a scheme may mean; "" if no device fits.
+// Returns a hint for a place that was given without a scheme: the likely device texts, each of them
+// a scheme and `place`. Returns "" if no scheme fits `place`.
 std::string offers(const std::string& place) {
   std::string listed;
   const bool isPath = place.starts_with('/');

@@ -13,7 +13,8 @@
 
 namespace quordalvane {
 
-/// Describes how one device is reached, and which texts its accessory has.
+/// Describes one device: how it is reached, and the data that its accessory gives about itself,
+/// such as the name and the serial number.
 ///
 /// A `DeviceSpec` is written as a device text, `SCHEME:PLACE[,key=value...]`, for example
 /// `tcp:192.0.2.10:9100`, `usb:` or `virtual:,coverOpen=true`. The section DEVICES of the manual
@@ -36,9 +37,10 @@ struct DeviceSpec {
   std::string scheme;  ///< for example "tcp"
   std::string place;   ///< the text after the scheme
 
-  /// The texts of the accessory, taken from the keys. If a key is missing, its text has a default
-  /// value; the default name is `place`, or a name of the scheme if `place` is empty. The member
-  /// `connectionID` is not set.
+  /// The data that the accessory gives about itself, taken from the keys. If a key is missing,
+  /// the default of `AccessoryIdentity` applies. But if `name` is missing, the name is `place` or,
+  /// if `place` is empty, the `nameWithoutPlace` of the scheme. The member `connectionID` is not
+  /// set.
   AccessoryIdentity identity;
 
   std::optional<std::uint64_t> id;  ///< the connection identifier, if the key `id` was given

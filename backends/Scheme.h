@@ -37,12 +37,12 @@ struct OpenCause {
   bool fits(const std::error_code& error) const;
 };
 
-/// One possible setting of a device. The command `doctor` tries the settings of a device one by
-/// one.
+/// One possible setting of a device, for example of a serial line. The command `doctor` tries the
+/// settings of a device one by one.
 struct SchemeVariant {
-  DeviceSpec spec;    ///< describes the device and the setting
-  std::string words;  ///< the setting, in words: "at 9600 baud"
-  std::string keys;   ///< the keys that select the setting: "baud=9600"
+  DeviceSpec spec;    ///< the device, with this setting in its options
+  std::string words;  ///< this setting, in words: "at 9600 baud"
+  std::string keys;   ///< the keys and values that select this setting: "baud=9600"
 
   /// The name of the fault that `doctor` reports if the device answers with this setting and with
   /// no other setting.
