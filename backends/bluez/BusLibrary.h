@@ -18,7 +18,7 @@ using MessageHandler = std::function<void(sdbus::Message&)>;
 
 #if QUOR_SDBUS_VERSION == 1
 
-// Version 1 has no types for names: every name is a plain text.
+// Version 1 of sdbus-c++ has no types for names: every name is a `std::string`.
 using ServiceName = std::string;
 using InterfaceName = std::string;
 using MemberName = std::string;

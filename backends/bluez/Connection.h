@@ -6,8 +6,8 @@
 
 namespace quordalvane::bluez {
 
-/// How long connecting may take in total. If a printer does not respond, the service itself gives
-/// up after about six seconds and reports this.
+/// How long connecting may take in total. If a printer does not respond, the Bluetooth service
+/// gives up after about six seconds and reports this.
 inline constexpr std::chrono::milliseconds connectTimeout{10'000};
 
 /// Connects to the serial port of the paired printer that `place` selects, as described at

@@ -18,8 +18,8 @@ constexpr auto ownPath = "/com/quordalvane/serialport";
 constexpr auto profileInterface = "org.bluez.Profile1";
 constexpr auto rejected = "org.bluez.Error.Rejected";
 
-// The pause between attempts to register the profile. Another program keeps the profile only until
-// it is connected to its printer.
+// The pause between attempts to register the profile while another program has it. The pause is
+// short, because that program gives the profile back as soon as its printer is connected.
 constexpr auto retryInterval = 50ms;
 
 Method ofManager(const std::string& name) {
@@ -31,7 +31,7 @@ bool isHeldByAnother(const sdbus::Error& error) {
          error.getName() == "org.bluez.Error.AlreadyExists";
 }
 
-// Copies the descriptor, because the message closes its own descriptor.
+// Returns a connection over a copy of `file`, because the bus library closes `file` itself.
 posix::Descriptor copyOf(const sdbus::UnixFd& file) {
   const int copy = ::fcntl(file.get(), F_DUPFD_CLOEXEC, 0);
   if (copy < 0) {
@@ -53,8 +53,8 @@ SerialPortProfile::~SerialPortProfile() {
   try {
     bus_.call(SteadyClock::now() + 1s, ofManager("UnregisterProfile"), sdbus::ObjectPath(ownPath));
   } catch (const std::exception&) {
-    // The error is ignored. Either the service has ended, or the service removes the profile when
-    // this program leaves the bus.
+    // A failure of this call is ignored. Either the service has ended, or the service removes the
+    // profile when this program leaves the bus.
   }
 }
 
@@ -73,8 +73,8 @@ posix::Descriptor SerialPortProfile::connect(const KnownDevice& printer, SteadyT
 
 void SerialPortProfile::serve() {
   object_ = sdbus::createObject(bus_.connection(), sdbus::ObjectPath(ownPath));
-  // The other methods do nothing, because the link ends by itself if the service stops or
-  // disconnects the printer.
+  // The service calls `RequestDisconnection` when it disconnects the printer, and `Release` when it
+  // stops. Both methods do nothing, because the link ends in any case.
   serveOn(
       *object_, profileInterface,
       {method("NewConnection", [this](const sdbus::ObjectPath& device, const sdbus::UnixFd& file,
