@@ -22,7 +22,7 @@ class HandheldSession final : public EASession {
       output_->close();
       input_->close();
     } catch (const FrameworkError&) {
-      // The error is ignored: the session is released in any case.
+      // A failure to close a stream is ignored, because the session is released in any case.
     }
   }
 

@@ -9,7 +9,7 @@ using quordalvane::handheld::StreamEvents;
 /// Receives the events of a stream for the C++ object that waits for them.
 @interface QuorStreamDelegate : NSObject <NSStreamDelegate> {
  @public
-  std::shared_ptr<StreamEvents>* events;  // the delegate owns this object
+  std::shared_ptr<StreamEvents>* events;  // owned: `dealloc` deletes this `shared_ptr`
 }
 @end
 
@@ -59,13 +59,13 @@ class HandheldStream : public Interface {
           [stream_.get() removeFromRunLoop:loop_.get() forMode:mode_.get()];
         }
       } @catch (NSException*) {
-        // The error is ignored: the stream is released in any case.
+        // An exception is ignored, because the stream is released in any case.
       }
     }
   }
 
-  // The port's delegate is ignored, because a port does not use the events. `QuorStreamDelegate`
-  // receives the events, because the waits of this class need them.
+  // The framework's stream sends its events to `delegate_`, because the waits of this class need
+  // them. It does not send them to `delegate`, because a port does not use them.
   void setDelegate(std::weak_ptr<const void> delegate) override {
     const bool isCleared = delegate.expired();
     ask([this, isCleared] { [stream_.get() setDelegate:isCleared ? nil : delegate_.get()]; });

@@ -116,7 +116,7 @@ class HandheldThread final : public NSThread {
   bool performAndWait(std::function<void()> routine) override {
     Routine carried(std::move(routine));
     // The routine may destroy this `HandheldThread`. This reference keeps the framework's thread
-    // alive until the function returns.
+    // alive until `performAndWait` returns.
     const Retained<::NSThread> thread(thread_.get());
     if (thread.get() != nil && [thread.get() isEqual:[::NSThread currentThread]]) {
       carried.run();
