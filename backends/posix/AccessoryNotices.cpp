@@ -14,9 +14,9 @@
 namespace quordalvane::posix {
 namespace {
 
-// Returns the sender of notices to listen to: udev if it runs, otherwise the kernel. An ordinary
-// user can open the device file only after udev has set the file's group and permissions. After
-// that, udev repeats the kernel's notice.
+// Returns whose notices to receive: the notices of udev if udev runs, otherwise the notices of the
+// kernel. An ordinary user can open the device file only after udev has set the file's group and
+// permissions. After that, udev repeats the kernel's notice.
 unsigned senders() {
   constexpr unsigned kernel = 1;
   constexpr unsigned udev = 2;

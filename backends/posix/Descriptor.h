@@ -68,15 +68,16 @@ class Descriptor {
   /// descriptor cannot report this.
   bool hasUnderWay() const;
 
-  /// Returns for how long the other side has acknowledged nothing. Returns zero if fewer than two
-  /// of the system's probes and repeated transmissions are unanswered. So the result is zero while
-  /// the other side answers the probes, even if it has no space. Also returns zero if this kind of
+  /// Returns the time since the other side last acknowledged anything. If the other side is silent,
+  /// the system sends it probes, or sends unacknowledged bytes again. The result is zero until at
+  /// least two such packets in all are unanswered. So the result is zero while the other side
+  /// answers the probes, even if it has no space. The result is also zero if this kind of
   /// descriptor cannot report the time.
   std::chrono::milliseconds silence() const;
 
   /// Returns why a USB printer does not print, for example "paper out", as a text for people. The
-  /// printer's USB port reports the reason. Returns "" if the port reports nothing, and for other
-  /// kinds of descriptors.
+  /// printer's USB port reports the reason even if the printer does not answer. Returns "" if the
+  /// USB port reports nothing, and for other kinds of descriptors.
   std::string portState() const;
 
   /// Shuts down the output, so that the other side sees that no more bytes follow. Has no effect on

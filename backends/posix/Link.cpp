@@ -184,8 +184,9 @@ void Link::waitForSpace(double seconds) {
     if (events != POLLRDHUP) {
       return;
     }
-    // The other side has ended its output, but it may still take bytes, so the wait continues. The
-    // link is not lost while there are bytes to read.
+    // The other side has ended its output. If all of this output was read, `look` notices that the
+    // link has ended, and the wait ends. Otherwise the wait continues, because the other side may
+    // still take bytes.
     dry_ = false;
     look();
     awaited = POLLOUT;

@@ -40,9 +40,10 @@ class Link {
 
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   /// `release` returns when the device has taken all written bytes, and after two seconds at the
-  /// latest. If the device has not taken all bytes by then and afterwards sends anything, the bytes
-  /// that it has not taken are lost. When `release` returns, the waits of other threads end; but a
-  /// wait on a terminal may continue until its deadline. A second call has no effect.
+  /// latest. Bytes that the device has not taken by then may be lost: over TCP, they are lost if
+  /// the device sends anything before it has taken them. When `release` returns, the waits of other
+  /// threads end; but a wait on a terminal may continue until its deadline. A second call has no
+  /// effect.
   void release();
 
   /// Returns true if the link has ended and all bytes that arrived before the end were read. A link
@@ -82,8 +83,7 @@ class Link {
   /// Blocks until there is space, the link is lost or `seconds` have passed.
   void waitForSpace(double seconds);
 
-  /// Returns the state that the device's port reports (see `Descriptor::portState`); "" after
-  /// `release`.
+  /// Returns why a USB printer does not print (see `Descriptor::portState`); "" after `release`.
   std::string portState();
 
  private:
@@ -114,7 +114,10 @@ class Link {
   bool beingWaited_ = false;  // true if a waiting thread may fill `ahead_` without the lock
 
   ReplyExpectation expectation_;
-  bool cameSinceWrite_ = false;  // true if bytes arrived after the last write that may be answered
+
+  // True if bytes have arrived since the last write, and `expectation_` does not yet count them as
+  // a reply. A write that cannot be answered changes nothing.
+  bool cameSinceWrite_ = false;
 
   bool mayBeFull_ = false;     // true if the last write was long or was taken only in part
   bool outputBroken_ = false;  // true if a write has failed or the other side no longer answers

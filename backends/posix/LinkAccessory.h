@@ -38,8 +38,9 @@ class LinkAccessory : public IdentifiedAccessory {
   /// Returns the error code of the reason that `lastError` returns; 0 if the reason has no code.
   virtual std::error_code lastErrorCode();
 
-  /// Returns why the device does not print, as a text for people. The device's port reports the
-  /// reason. Returns "" if the port reports nothing or the newest session has ended.
+  /// Returns, as a text for people, why a USB printer does not print, for example "paper out". The
+  /// printer's USB port reports the reason even if the printer does not answer. Returns "" if the
+  /// USB port reports nothing, if the newest session has ended, and for all other devices.
   std::string portState();
 
  private:

@@ -9,9 +9,10 @@ namespace quordalvane::posix {
 
 class ThreadRunLoop;
 
-/// A detached thread, which ends by itself or with the process. The thread has no reference to this
-/// handle. So the thread's body may own the object that owns the handle, without a cycle of
-/// references after the start. An exception that leaves the body ends the process.
+/// A detached thread, which ends by itself or with the process. This handle owns the thread's body
+/// only until `start`, which moves the body to the thread. So the body may own an object that owns
+/// the handle: after the start, the body and the handle do not keep each other alive. An exception
+/// that leaves the body ends the process.
 class PosixThread final : public NSThread {
  public:
   explicit PosixThread(std::function<void()> body);

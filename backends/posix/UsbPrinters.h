@@ -38,10 +38,13 @@ enum class UsbError {
   Ambiguous,
   NoDriver,  ///< the printer is plugged in, but the system's driver is not loaded
 
-  /// A program, for example the print system, has taken the printer from the driver and uses it.
+  /// Another program, for example the print system, uses the printer now, without the driver.
   HeldByPrintSystem,
-  TakenFromDriver,  ///< a program has taken the printer from the driver and has not given it back
-  DroppedByHub,     ///< a USB hub has switched off the printer's power
+
+  /// No program uses the printer now, but a program took it from the driver and did not give it
+  /// back.
+  TakenFromDriver,
+  DroppedByHub,  ///< a USB hub has switched off the printer's power
 };
 
 /// Returns the error category of these codes. `HeldByPrintSystem` is equivalent to
