@@ -12,8 +12,8 @@
 
 namespace quordalvane::virtuals {
 
-/// The simulated printer of an accessory, and the faults of the links to it. The mutex guards the
-/// printer and its links.
+/// The simulated printer of an accessory, and the faults of the printer's links. The mutex guards
+/// the printer and its links.
 struct PrinterInside {
   std::mutex mutex;
   std::unique_ptr<simulator::VirtualPrinter> printer;
