@@ -65,7 +65,8 @@ Row rowOf(const ReceiptKind& kind) {
   constexpr int runs = 5;
   const auto endpoint = makeEndpoint(Medium::Tcp);
   const auto openEndpoint = makeEndpoint(Medium::Tcp);
-  // This thread is joined last, because it runs until the other side has closed the connection.
+  // The printer is destroyed after `port`, because the printer's destructor waits until the port
+  // has closed the connection.
   std::unique_ptr<ReceiptPrinter> printer;
   OpenPort port(openEndpoint->device(), kind.emulation);
   printer = std::make_unique<ReceiptPrinter>(openEndpoint->accept(), Core::First, kind.confirms);

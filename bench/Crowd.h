@@ -9,8 +9,8 @@
 
 namespace quordalvane::bench {
 
-/// A crowd is many open line-mode ports over TCP, each with a port thread, and a peer that answers
-/// all of them. A crowd must be created on the main thread, because otherwise the ports have no
+/// Many open line-mode ports over TCP, and one peer that answers all of them. Each port has a port
+/// thread. A crowd must be created on the main thread, because otherwise the ports have no port
 /// threads.
 class Crowd {
  public:

@@ -155,9 +155,9 @@ void measureOnce(Pairs<Cost>& pairs) {
   pairs.limit.push_back({.milliseconds = median(bare) * 1000, .jobsASecond = 1 / median(bare)});
 }
 
-/// Returns the number of disk syncs for one job. `systemCallsOf` opens the store in a copy of this
-/// process. `store` is declared outside the copied code, so that its destructor, which would sync
-/// once more, does not run in the copy.
+/// Returns the number of disk syncs for one job. `systemCallsOf` runs a lambda in a copy of this
+/// process. `store` is declared outside this lambda, so that the destructor of the store, which
+/// would sync once more, does not run in the copy.
 template <typename Store, typename Commit>
 double syncsOfAJob(Commit commit) {
   const auto syncsOf = [&](int count) {

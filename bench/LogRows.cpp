@@ -217,7 +217,8 @@ void addRowsOf(const Load& load, Rows& rows) {
                   .limit = sum(drops.limit)});
 }
 
-/// Measures the load on `count` threads that log at the same time.
+/// Measures the log calls of `count` threads that log at the same time. Each thread makes all calls
+/// of `load`.
 template <typename Logger>
 CallerView viewOfMany(const Load& load, int count) {
   Logger logger;

@@ -27,7 +27,8 @@ class OpenPort {
   const std::shared_ptr<ExternalAccessoryPort> port_;
 };
 
-/// Creates a port to `device`, without opening it, on a platform that has no other device.
+/// Creates a port to `device`, which is the only device of the port's platform. The port is not
+/// open yet.
 std::shared_ptr<ExternalAccessoryPort> makePort(const std::string& device, ZKEmulation emulation);
 
 }  // namespace quordalvane::bench

@@ -19,9 +19,9 @@ extern const std::vector<std::uint8_t> dataCancelEnd;      // 6 bytes; a command
 extern const std::vector<std::uint8_t> escposQueries[3];   // 3 bytes each
 inline constexpr std::uint8_t escposReply = 0x12;          // the reply to each of the queries
 
-/// The printer's side of one connection, on a thread of its own that blocks in `read`. The thread
-/// runs until the other side closes the connection, and the destructor waits for the thread. A peer
-/// must therefore outlive the other side.
+/// The printer's side of one or more connections, on a thread of its own that blocks until bytes
+/// arrive. The thread ends only after the other side has closed its connections. The destructor
+/// waits for the thread, so the other side must be closed before the peer is destroyed.
 class Peer {
  public:
   explicit Peer(Core core) : core_(core) {}

@@ -45,7 +45,7 @@ double microsecondsAt(Measure measure) {
   Peer peer(Core::First);
   peer.answerAll(*endpoint);
   const double seconds = measure(std::to_string(tcpPort(*endpoint)));
-  ::close(endpoint->connect());  // a connection that sends no byte ends `answerAll`
+  ::close(endpoint->connect());  // ends `answerAll`, because no byte was sent
   return seconds * microsecond;
 }
 
@@ -55,8 +55,8 @@ double secondsOfScript(const std::string& port) {
   return read(run("python3 " QUOR_BENCH_PEERS "/status_script.py " + port + " 1000").get());
 }
 
-/// Returns the time from the start of the command until the command has written three status bytes
-/// of the printer to its standard output.
+/// Returns the median time from the start of the command until the command has written three status
+/// bytes of the printer to its standard output.
 double secondsOfCommand(const std::string& port, const std::string& program) {
   constexpr int runs = 5;
   const std::string command = QUOR_BENCH_PEERS "/status_command.sh " + program + " " + port;

@@ -14,8 +14,8 @@ constexpr int rowHeight = 22;
 constexpr int top = 56;
 constexpr int textWidth = 430;
 constexpr int stepWidth = 40;
-constexpr int stepsDown = 4;  // the left end of the scale is a ratio of 1/16
-constexpr int stepsUp = 4;    // the right end of the scale is a ratio of 16
+constexpr int stepsDown = 4;  // four halvings: the scale begins at the ratio 1/16
+constexpr int stepsUp = 4;    // four doublings: the scale ends at the ratio 16
 constexpr int width = textWidth + stepWidth * (stepsDown + stepsUp) + 190;
 
 double placeOf(double ratio) {

@@ -14,14 +14,15 @@ namespace quordalvane::bench {
 
 /// The printer's side of one connection, on a thread of its own. This printer prints at once, or
 /// after a delay, and confirms each job. The thread runs until the other side closes the
-/// connection, and the destructor waits for the thread. A printer must therefore outlive the other
-/// side.
+/// connection. The destructor waits for the thread, so the other side must be closed before the
+/// printer is destroyed.
 class ReceiptPrinter {
  public:
   using Instant = std::chrono::steady_clock::time_point;
 
-  /// How the printer confirms a job. A printer that confirms by `Count`, a count of marks (17 hex),
-  /// is in line mode.
+  /// How the printer confirms a job. Only with `Count` is the printer in line mode: it counts each
+  /// mark (a byte 0x17) as soon as all data before the mark is printed, and its status contains
+  /// this count.
   enum class Confirms { Count, Report, ProcessId, InOrder };
 
   /// The bytes that the printer received before one of its answers, and this answer. The last turn

@@ -60,7 +60,8 @@ void print(OpenPort& port, std::span<const std::uint8_t> data) {
   }
 }
 
-/// Returns the turns that ended before the printer received the first byte of the receipt.
+/// Returns the turns before the receipt, in which the port only asks the printer. The turn with the
+/// first byte of the receipt is left out.
 std::vector<ReceiptPrinter::Turn> questionsOf(std::vector<ReceiptPrinter::Turn> turns) {
   std::size_t count = 0;
   for (const auto& turn : turns) {

@@ -17,8 +17,8 @@ struct Heading {
   std::string unit;
 };
 
-/// The spread of the ratios. Each pair of measurements (see `Pairs`) has one ratio: our result
-/// divided by the result of the other code.
+/// The spread of the ratios. Each pair of measurements (see `Pairs`) has one ratio: the result of
+/// our code divided by the result of the code with which it is compared.
 struct Spread {
   double median;
   double lowest;
@@ -31,7 +31,8 @@ struct Row {
   double ours = 0;
   double limit = 0;
   std::optional<Spread> spread = std::nullopt;  // empty if the row compares no pairs
-  // The figures of other ways to do the same work, in the row's unit.
+  // The figures of other programs for the work of this row, by the program's name, in the row's
+  // unit.
   std::map<std::string, double> peers = {};
 
   /// Returns `ours` divided by `limit`; 1 if both are zero.
@@ -42,8 +43,8 @@ using Rows = std::vector<Row>;
 
 enum class Best { Lowest, Highest };
 
-/// Returns a row with the best result of our code, the best result of the other code, and the
-/// spread of the ratios. Both results are multiplied by `scale`.
+/// Returns a row with the best result of our code, the best result of the code with which it is
+/// compared, and the spread of the ratios. Both results are multiplied by `scale`.
 Row comparedRow(Heading heading, const Pairs<double>& pairs, Best best, double scale = 1);
 
 /// How a cost grows with the amount of work; one line for each amount.
