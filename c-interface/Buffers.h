@@ -9,7 +9,8 @@
 #include "c-interface/Failures.h"
 #include "job/ByteView.h"
 
-// The library copies texts and bytes from the caller's buffers and into the caller's buffers.
+// Functions that copy results into the caller's buffers, and functions that copy the caller's texts
+// and bytes.
 
 namespace quordalvane::c {
 
@@ -29,8 +30,9 @@ const Buffer& usable(const Buffer& buffer);
 /// only the number and throws QUOR_BUFFER_TOO_SMALL.
 void copyBytes(ByteView bytes, const Buffer& buffer);
 
-/// Copies `text` and a NUL, as `copyBytes` does. If `text` is null, stores the length 0 and returns
-/// QUOR_NONE.
+/// Copies `text` and a final NUL into the buffer, stores the length of `text` without the NUL, and
+/// returns QUOR_OK. If `text` is nullopt, copies nothing, stores the length 0 and returns
+/// QUOR_NONE. If the buffer is too small, stores only the length and throws QUOR_BUFFER_TOO_SMALL.
 QuorCode copyText(const std::optional<std::string>& text, const Buffer& buffer);
 
 /// Returns a copy of the caller's bytes. Throws QUOR_USAGE if `bytes` is null and `size` is not 0.
