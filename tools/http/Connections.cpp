@@ -36,7 +36,7 @@ bool Connections::hasLeft(const Connection& connection) {
   return ::poll(&asked, 1, 0) > 0;
 }
 
-// This ends the connection; the library notices it and closes the descriptor.
+// `shutdown` ends the connection. The web library then notices the end and closes the descriptor.
 void Connections::cutOff(Connection& connection) {
   ::shutdown(connection.descriptor, SHUT_RDWR);
   connection.isCutOff = true;

@@ -25,7 +25,7 @@ class EventLog {
   /// Returns the number of the latest event; 0 before the first.
   std::uint64_t latest() const { return latest_; }
 
-  /// Returns true if the log still holds every event after number `number`.
+  /// Returns true if the log still holds every event whose number is greater than `number`.
   bool holdsAllAfter(std::uint64_t number) const;
 
   /// Returns the event of that number; null if the event was forgotten or has not happened.
@@ -49,8 +49,8 @@ Text eventText(std::string_view name, std::string_view data,
 /// was given, and then each event of the log.
 class EventReader {
  public:
-  /// Reads the texts of `first`, then the events after number `after`. The log must outlive this
-  /// object.
+  /// Reads the texts of `first`, then the events whose numbers are greater than `after`. The log
+  /// must outlive this object.
   EventReader(const EventLog& log, std::deque<Text> first, std::uint64_t after)
       : log_(log), first_(std::move(first)), next_(after + 1) {}
 

@@ -307,9 +307,8 @@ class Server::Machine {
     }
   }
 
-  // Cuts off the readers that were too slow or have left. The function that supplies a reader's
-  // next bytes cannot check this, because the library does not call it while the reader takes no
-  // bytes.
+  // Cuts off the readers that were too slow or have left. `readEvents` alone would not notice such
+  // a reader, because the library does not call `readEvents` while the reader takes no bytes.
   void cutOffLostReaders() {
     for (const Reader& reader : readers_) {
       Connection& its = *connectionOf(reader.connection);

@@ -31,8 +31,8 @@ struct Answer {
   std::string type = "application/json";
   Text body;
 
-  /// The server sends the texts of `first`, then each event after number `after`. `body` is not
-  /// used.
+  /// The server sends the texts of `first`, then each event of its log whose number is greater than
+  /// `after`. The `body` of the answer is not used.
   struct Events {
     std::deque<Text> first;
     std::uint64_t after = 0;
@@ -55,15 +55,15 @@ Answer refusal(unsigned status, const std::string& why);
 /// waited longest. A reader of events that is too slow is disconnected.
 class Server {
  public:
-  using Time = std::chrono::nanoseconds;  ///< read from the owner's steady clock
+  using Time = std::chrono::nanoseconds;  ///< a time on the steady clock of the server's owner
   using Handler = std::function<Answer(const Request&)>;
 
   static constexpr std::size_t longestBody = std::size_t{64} << 10U;  ///< bytes
   static constexpr std::size_t longestHead = std::size_t{16} << 10U;  ///< bytes, approximately
   static constexpr std::size_t mostConnections = 128;
   static constexpr std::size_t mostReaders = 64;
-  static constexpr std::chrono::seconds longestWait{20};     ///< for a client to send a request
-  static constexpr std::chrono::seconds longestAnswer{120};  ///< for a client to read an answer
+  static constexpr std::chrono::seconds longestWait{20};     ///< a client's time to send a request
+  static constexpr std::chrono::seconds longestAnswer{120};  ///< a client's time to read an answer
 
   /// `listening` is a socket that already listens at `endpoint`; the caller remains its owner.
   /// Throws std::system_error or std::runtime_error if the server cannot be started.
