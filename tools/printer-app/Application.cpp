@@ -59,9 +59,9 @@ bool save(pappl_system_t* system, void* file) {
   return saveState(system, *static_cast<const std::string*>(file));
 }
 
-// Starts jobs that would wait in vain: the jobs that the framework has loaded, and the jobs after a
-// job that was canceled while it waited. The framework starts a waiting job only when another job
-// ends or arrives.
+// Starts jobs that would otherwise wait for ever. The framework starts a waiting job only when
+// another job ends or arrives. So it does not start the jobs that it loads at its own start. It
+// also does not start the next job after a user has canceled a waiting one.
 bool lookAfterJobs(pappl_system_t* system, void* file) {
   papplSystemIteratePrinters(
       system,

@@ -56,7 +56,8 @@ bool printFile(pappl_job_t* job, pappl_pr_options_t* options, pappl_device_t* /*
   });
 }
 
-// Prints a document whose pages `addPages` draws for a print head of the given width.
+// Prints a document whose pages must be drawn. `addPages` draws them; its arguments are the
+// document and the width of the print head in dots.
 template <typename AddPages>
 bool printRendered(pappl_job_t* job, AddPages addPages) {
   const std::unique_ptr<pappl_pr_options_t, void (*)(pappl_pr_options_t*)> options(

@@ -32,7 +32,8 @@ bool isSilent(http_t* http) {
   return httpWait(http, static_cast<int>(limit.count())) == 0;
 }
 
-// Ends the connection. Returns the mark as the last data of the document.
+// Ends the connection. Writes the mark of an incomplete document into `buffer`, as the last data of
+// the document, and returns the length of the mark; -1 if the buffer is too small.
 ssize_t endUpload(http_t* http, char* buffer, std::size_t length) {
   ::shutdown(httpGetFd(http), SHUT_RDWR);
   isConnectionEnded = true;

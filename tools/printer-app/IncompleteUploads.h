@@ -11,13 +11,14 @@ namespace quordalvane::printer_app {
 ///
 /// The framework takes the end of a connection for the end of the document. It also waits for ever
 /// for a client that neither sends nor closes the connection, like a telephone out of range. The
-/// framework reads with `httpRead2` of the print system's library. This program defines a function
-/// of that name, which replaces the library's. In both cases the function appends a mark to the
-/// document and ends the connection.
+/// framework reads with `httpRead2` of the print system's library. This program defines its own
+/// `httpRead2`, which replaces the library's. If a client disconnects early, or is silent for too
+/// long, `httpRead2` appends a mark to the document and ends the connection.
 ///
-/// The function reports no error to the framework, because version 1.3 can then wait for ever: it
-/// aborts the job, and locks the job before the system. If it saves its jobs at the same time, it
-/// locks the system before the jobs.
+/// `httpRead2` does not report an error instead, because version 1.3 of the framework could then
+/// wait for ever. After an error the framework aborts the job, and for this locks first the job and
+/// then the system. If another thread saves the jobs at the same time, that thread locks first the
+/// system and then the job. Each of the two threads then waits for the other.
 void markIncompleteUploads(std::chrono::seconds longestSilence);
 
 /// Returns true if the document in the file has the mark of an incomplete document. Returns false

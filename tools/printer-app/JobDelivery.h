@@ -15,10 +15,11 @@ void keepJobsIn(const std::filesystem::path& journal, const std::filesystem::pat
 /// Sends a job to its printer. Returns true once the printer has confirmed it; the job then counts
 /// as completed.
 ///
-/// If the printer refuses a job, nothing was sent. The job then waits, and is tried again each
-/// second until it is canceled. The reason is shown as the job's message and as the printer's
-/// state. If nobody knows whether a job is on paper, it is aborted with a message for a person, and
-/// the result is false. The journal prevents a second print, even after a restart.
+/// If nothing of the job can be sent, for example because the printer cannot be reached, the job
+/// waits. It is tried again each second until it is sent or canceled; if it is canceled, the result
+/// is false. The reason for the wait is shown as the job's message and as the printer's state. If
+/// nobody knows whether a job is on paper, it is aborted with a message for a person, and the
+/// result is false. The journal prevents a second print, even after a restart.
 ///
 /// First saves the framework's list of jobs, which the framework itself would save only with the
 /// next job. Blocks the job's thread. Throws `JournalError` if the journal fails.

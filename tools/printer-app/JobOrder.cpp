@@ -49,7 +49,7 @@ void release(pappl_job_t* job) {
 // The jobs whose threads run.
 class StartedJobs {
  public:
-  // Returns true if the job waits and has no thread. Its thread then counts as started.
+  // Adds the job if it waits and is not in this set yet. Returns true if it was added.
   bool add(pappl_job_t* job) {
     const std::scoped_lock lock(mutex_);
     return papplJobGetState(job) == IPP_JSTATE_PENDING && jobs_.insert(job).second;

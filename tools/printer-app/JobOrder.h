@@ -14,12 +14,13 @@ void letOldestGoNext(pappl_printer_t* printer);
 /// starts two jobs at the same time. The younger job must then wait.
 bool isOlderUnderWay(pappl_job_t* job);
 
-/// Returns true if the printer is idle, and its oldest waiting job is the same as at the last call.
-/// Such a job waits in vain; any other job may be about to start. To be called at intervals, from
-/// one thread.
+/// Returns true if the printer's oldest waiting job waits in vain: the printer is idle, and at the
+/// last call it was also idle and had the same oldest waiting job. After only one such call, the
+/// job may still be about to start. To be called at intervals, from one thread.
 bool waitsInVain(pappl_printer_t* printer);
 
-/// Returns true if a job in this state, for these reasons, is held for its turn and not by a user.
+/// Returns true if a job with this state and these state reasons is held until its turn, and not by
+/// a user.
 bool isHeldForItsTurn(ipp_jstate_t state, pappl_jreason_t reasons);
 
 }  // namespace quordalvane::printer_app

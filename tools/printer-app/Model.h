@@ -26,11 +26,11 @@ struct Model {
 /// Returns all kinds of printers; the first is the default.
 std::span<const Model> everyModel();
 
-/// Returns the kind of this name; null if there is no such kind.
+/// Returns the kind of printer that is called `name`; null if there is no such kind.
 const Model* modelNamed(std::string_view name);
 
-/// Describes the kind to the framework, including this program's own job options, `quor-cut` and
-/// `quor-drawer`.
+/// Describes a kind of printer to the framework. The description includes this program's own job
+/// options, `quor-cut` and `quor-drawer`.
 void describe(const Model& model, pappl_pr_driver_data_t& data, ipp_t*& attributes);
 
 }  // namespace quordalvane::printer_app
