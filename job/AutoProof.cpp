@@ -46,8 +46,8 @@ MaybeSetback AutoProof::ask() {
     return setback;
   }
   memory_.foundProof = found.kind;
-  // The printer may still answer the queries of earlier jobs, so the proofs that are already in
-  // `owed` remain there.
+  // The printer may still answer the queries of earlier jobs, so the kinds of proof that are
+  // already in `owed` remain there.
   memory_.owed.merge(found.owed);
   return std::nullopt;
 }

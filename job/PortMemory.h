@@ -15,7 +15,7 @@ struct PortMemory {
   /// How the printer proves that it has printed a job; null if no job has asked the printer yet.
   std::optional<ProofKind> foundProof;
 
-  std::set<ProofKind> owed;  ///< the proofs for which the printer may still send an answer
+  std::set<ProofKind> owed;  ///< the kinds of proof whose queries the printer may still answer
 };
 
 /// Returns the PortMemory that belongs to `port`. `port` must not be null. Any thread may call this

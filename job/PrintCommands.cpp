@@ -129,8 +129,8 @@ std::optional<PrintCommand> userCharacters(ByteView data) {
   return counted(length, 0);
 }
 
-// The command has the form 1c 71 n, followed by n images. Each image begins with its size, xL xH yL
-// yH in units of eight dots; its dots follow.
+// The command has the form 1c 71 n, followed by n images. Each image consists of its size, xL xH yL
+// yH in units of eight dots, and its dots.
 std::optional<PrintCommand> storedImages(ByteView data) {
   std::size_t length = 3;
   for (int i = 0; i < data[2]; ++i) {

@@ -11,7 +11,7 @@ namespace quordalvane {
 /// The result of asking a printer which proof it gives.
 struct FoundProof {
   ProofKind kind = ProofKind::None;  ///< the strongest proof that the printer gives
-  std::set<ProofKind> owed;          ///< the proofs for which the printer may still send an answer
+  std::set<ProofKind> owed;  ///< the kinds of proof whose queries the printer may still answer
 };
 
 /// Finds out which proof a printer gives, and stores the result in `found`. The printer must use

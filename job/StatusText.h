@@ -6,8 +6,9 @@
 
 namespace quordalvane {
 
-/// Returns in words why the printer does not print: "cover open", "paper out, cutter error".
-/// Returns "off line" if the printer gives no reason, and "" if the printer is on line.
+/// Returns a text for people that says why the printer does not print: "cover open", "paper out,
+/// cutter error". Returns "off line" if the printer gives no reason, and "" if the printer is on
+/// line.
 std::string whyOffline(const QuorPrinterStatus_2& status);
 
 /// Returns the errors in the status, in the words of `whyOffline`, or "" if there are no errors.
