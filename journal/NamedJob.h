@@ -40,7 +40,7 @@ struct NamedJobRequest {
 /// The result of a named job.
 struct NamedJobResult {
   PrintResult result;        ///< the result of the attempt that decides the job's state
-  std::int64_t attempt = 0;  ///< the number of this attempt, from 1; 0 if there was no attempt
+  std::int64_t attempt = 0;  ///< the number of that attempt, from 1; 0 if there was no attempt
   bool isRepeated = false;   ///< true if an earlier call printed the job; this call sent nothing
 
   /// Two times of an earlier attempt, in milliseconds since 1970, UTC: `begun` is the time at which
