@@ -200,8 +200,8 @@ std::string offers(const std::string& place) {
   for (const Scheme* const scheme : schemes()) {
     append(listed, std::string(scheme->name) + ":" + std::string(scheme->place));
   }
-  refuse("device " + inQuotes(text) + ": takes " + listed + ", followed by any ,key=value" +
-         offers(place));
+  refuse("device " + inQuotes(text) + ": takes " + listed +
+         ", followed by any number of ,key=value" + offers(place));
 }
 
 // Returns the scheme of the device text `text`. `place` is the part of `text` before the first

@@ -29,7 +29,7 @@ constexpr OpenCause causes[] = {
     {of(BluetoothError::NoAnswer), "no-answer-of-service", "the Bluetooth service does not answer",
      "restart the service: sudo systemctl restart bluetooth", bluetoothCategory},
     {of(BluetoothError::NoAdapter), "no-adapter", "the machine has no Bluetooth adapter",
-     "plug an adapter in; bluetoothctl list shows the adapters that the system sees",
+     "plug an adapter in; list the adapters that the system sees: bluetoothctl list",
      bluetoothCategory},
     {of(BluetoothError::AdapterOff), "adapter-off", "the Bluetooth adapter is switched off",
      "switch the adapter on: rfkill unblock bluetooth, then bluetoothctl power on",
@@ -105,7 +105,7 @@ std::vector<std::string> places() {
 constinit const Scheme bluetoothScheme = {
     .name = "bluetooth",
     .place = "",
-    .about = "all paired Bluetooth printers; bluetooth:ADDRESS and bluetooth:NAME mean one",
+    .about = "all paired Bluetooth printers; for one printer: bluetooth:ADDRESS or bluetooth:NAME",
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =

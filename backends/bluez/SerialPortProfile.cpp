@@ -104,7 +104,8 @@ void SerialPortProfile::takeRegistration(SteadyTime deadline) {
 
 void SerialPortProfile::take(const sdbus::ObjectPath& device, const sdbus::UnixFd& file) {
   if (device != awaited_ || taken_) {
-    throw sdbus::Error(ErrorName(rejected), "no connection of this device is awaited");
+    throw sdbus::Error(ErrorName(rejected),
+                       "this program does not wait for a connection to this device");
   }
   taken_.emplace(copyOf(file));
 }

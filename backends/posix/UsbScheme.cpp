@@ -73,7 +73,7 @@ constinit const Scheme usbScheme = {
     .name = "usb",
     .place = "",
     .about =
-        "the only USB printer; usb:SERIAL, usb:VID:PID and usb:/dev/usb/lpN mean one of several",
+        "the only USB printer; if there are several: usb:SERIAL, usb:VID:PID or usb:/dev/usb/lpN",
     .checkPlace = checkPlace,
     .make = make,
     .ifSilent =
