@@ -13,9 +13,9 @@ std::string adviceFor(const PrintResult& result) {
   }
   if (result.obstacle == PrintObstacle::PrinterNotReady) {
     return "the printer keeps its data and continues when it is ready again; look at the "
-           "paper before sending the job again, which may print it twice";
+           "paper before sending the job again, so that it is not printed twice";
   }
-  return "look at the paper before sending the job again, which may print it twice";
+  return "look at the paper before sending the job again, so that it is not printed twice";
 }
 
 }  // namespace quordalvane
