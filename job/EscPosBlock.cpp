@@ -60,8 +60,8 @@ MaybeSetback EscPosBlock::markBeginning() {
   isFirstMarkReported_ = sinceMark_.lastReport() == countOfOneMark;
   if (sinceMark_.lastReport() && !isFirstMarkReported_) {
     return Setback{PrintObstacle::ExchangeFailed,
-                   "the printer's counter includes a mark of an earlier job, so that the counter "
-                   "cannot confirm this job"};
+                   "the printer's counter cannot confirm this job, because the counter includes a "
+                   "mark of an earlier job"};
   }
   return std::nullopt;
 }

@@ -18,8 +18,8 @@ constexpr std::uint8_t countOfTwoMarks = 2;
 constexpr std::uint8_t mark[] = {0x17};
 constexpr std::uint8_t markAndEnd[] = {0x17, 0x1b, 0x1d, 0x03, 0x04, 0x00, 0x00};
 constexpr auto earlierJobCounted =
-    "the printer's counter includes a mark of an earlier job, so that the counter cannot confirm "
-    "this job";
+    "the printer's counter cannot confirm this job, because the counter includes a mark of an "
+    "earlier job";
 
 // A printer that holds no data counts a mark as soon as the mark arrives.
 constexpr auto timeToCount = std::chrono::seconds(1);

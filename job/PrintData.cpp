@@ -185,7 +185,8 @@ std::optional<std::string> confirmationObstacle(ByteView data, ZKEmulation emula
 }
 
 std::optional<std::string> endSignObstacle(ByteView data) {
-  constexpr auto dropsData = "the data contains a command at which a printer drops data";
+  constexpr auto dropsData =
+      "the data contains a command that makes the printer drop unprinted data";
   // A real-time command takes effect wherever its bytes are in the data.
   if (holds(data, {0x10, 0x14, 0x08})) {
     return dropsData;

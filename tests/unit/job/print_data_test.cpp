@@ -225,7 +225,7 @@ TEST(ReasonWhyAQueryProvesNothing, MayBeACommandThatMakesThePrinterDropData) {
                             Bytes{0x1b, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1b, 0x21, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00},
                             Bytes{0x1f, 0x00, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00}}) {
-    EXPECT_THAT(endSignObstacle(data).value_or(""), HasSubstr("drops data"));
+    EXPECT_THAT(endSignObstacle(data).value_or(""), HasSubstr("drop unprinted data"));
   }
 }
 
@@ -242,11 +242,11 @@ TEST(ReasonWhyAQueryProvesNothing, IsNotFoundInsideAnImageExceptTheRealTimeClear
   }
   EXPECT_THAT(
       endSignObstacle(Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 3, 0, 0x10, 0x14, 0x08}).value_or(""),
-      HasSubstr("drops data"));
+      HasSubstr("drop unprinted data"));
   EXPECT_THAT(endSignObstacle(
                   Bytes{0x1d, 0x76, 0x30, 0, 1, 0, 1, 0, 0xff, 0x1b, 0x1d, 0x03, 0x03, 0x00, 0x00})
                   .value_or(""),
-              HasSubstr("drops data"));
+              HasSubstr("drop unprinted data"));
 }
 
 TEST(InOrderRequests, AreCountedOnlyOutsidePayloadsAndParameters) {
