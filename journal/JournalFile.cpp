@@ -56,7 +56,7 @@ class Descriptor {
 void syncFolder(const std::filesystem::path& folder, const std::filesystem::path& file) {
   const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (opened.number() < 0 || ::fsync(opened.number()) != 0) {
-    fail(file, "its folder cannot be written to disk");
+    fail(file, "the file names in its folder cannot be written to disk");
   }
 }
 
