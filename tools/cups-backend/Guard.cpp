@@ -47,9 +47,9 @@ bool awaitWorker(pid_t worker, pid_t scheduler, const sigset_t& signals, int& st
 }
 
 std::string endOf(int status) {
-  return WIFSIGNALED(status)
-             ? "the process that printed was ended by signal " + std::to_string(WTERMSIG(status))
-             : "the process that printed was asked to stop";
+  return WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status)) +
+                                   " ended the process that printed the job"
+                             : "the process that printed the job was asked to stop";
 }
 
 }  // namespace

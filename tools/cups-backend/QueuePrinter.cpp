@@ -44,9 +44,9 @@ void QueuePrinter::open() {
     turn_.reset();
     const std::string why = lastOpenError(*accessory_);
     if (why.empty()) {
-      throw std::invalid_argument(
-          "because of its keys, the device " + inQuotes(uri_.device) +
-          " does not count as a printer; leave out the keys manufacturer and protocol");
+      throw std::invalid_argument("the device " + inQuotes(uri_.device) +
+                                  " does not count as a printer because of its keys manufacturer "
+                                  "or protocol; leave these keys out");
     }
     throw OutOfReach(why);
   }
