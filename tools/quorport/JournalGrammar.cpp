@@ -9,8 +9,8 @@ namespace {
 constexpr auto jobsFooter =
     "A job is in the journal if it was printed with --job. Its outcome is one of these words:\n"
     "printed, unconfirmed, refused, or printing (a process is still printing the job). If the\n"
-    "printing process ends too early, the outcome is unconfirmed. If the name of a forgotten job\n"
-    "is used again, the job is printed even if it is on paper already.\n";
+    "printing process ends too early, the outcome is unconfirmed. A job that was removed from the\n"
+    "journal is printed if it is sent again, even if it is on paper already.\n";
 
 void addJournal(CLI::App& app, std::optional<std::string>& journal) {
   app.add_option("--journal", journal,

@@ -117,7 +117,7 @@ void addGlobalOptions(CLI::App& app, Options& options) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   addTime(app, "-t,--timeout", "the input/output time-out (default 10000)", options.timeout);
   addText(app, "-e,--emulation", "NAME",
-          "the printer's command language: line, escpos or unknown (default line)",
+          "the printer's command language: line, escpos or unknown (default: line)",
           [&options](const std::string& text) { options.emulation = emulation(text); });
   app.add_option(
          "--log", options.log,
@@ -187,8 +187,8 @@ void addDoctorOptions(CLI::App& app, Options& all) {
   DoctorOptions& options = all.doctor;
   app.add_option(
          "--bundle", options.bundle,
-         "write versions, findings, status and diagnostic records, but no print data, to this "
-         "new file")
+         "write a report without print data to this new file: versions, options, findings, the "
+         "printer's status and diagnostic records")
       ->type_name("FILE")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   app.footer(help::doctorFooter);
@@ -219,8 +219,8 @@ void addSimulateOptions(CLI::App& app, Options& all) {
       ->required();
   addText(
       app, "--hosts", "one|turns|refuse",
-      "if a host is already connected, a second host waits (one), prints between the first host's "
-      "jobs (turns), or is refused (refuse); the default is one",
+      "if a host is already connected, a second host waits until the first has disconnected (one, "
+      "the default), prints between the first host's jobs (turns), or is refused (refuse)",
       [&options](const std::string& text) {
         options.hosts = chosen<HostRule>(
             text, text,
@@ -244,7 +244,7 @@ void addSimulateOptions(CLI::App& app, Options& all) {
   app.add_flag(
       "--strict", options.strict,
       "end with exit status 1 if a job contained an unknown command, an incomplete command, or a "
-      "character that its code page lacks");
+      "byte that has no character in the selected code page");
   app.add_option("--control", options.control, "accept control lines on this socket as well")
       ->type_name("unix:PATH");
   app.add_option(
