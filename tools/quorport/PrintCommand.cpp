@@ -231,8 +231,8 @@ void requireDevice(const Options& options) {
     throw CommandFailure(
         ExitCode::Usage,
         "no printer is named, and nothing was sent: name one, such as --device "
-        "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; --device virtual: prints on the "
-        "virtual printer");
+        "tcp:HOST:PORT, or set the variable QUORPORT_DEVICE; to print on the virtual "
+        "printer, use --device virtual:");
   }
 }
 

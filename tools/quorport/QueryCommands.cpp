@@ -21,7 +21,7 @@ std::string spaced(const std::string& hex) {
 Report cancel(const Options& options, const Surroundings& surroundings) {
   Printer printer(options, surroundings);
   printer.ask([](PrinterInquiry& inquiry) { inquiry.dropAll(); });
-  return done("The command to drop all data that is not yet printed was sent to the printer.");
+  return done("The printer was asked to drop all data that it has not yet printed.");
 }
 
 Report firmware(const Options& options, const Surroundings& surroundings) {

@@ -173,7 +173,8 @@ class Examination {
 
   Finding whyNoStatus() const {
     if (isLinkLost_) {
-      return {"link-lost", ExitCode::LinkLost, "the link ends as soon as the printer is asked",
+      return {"link-lost", ExitCode::LinkLost,
+              "the link ends as soon as the printer is asked for its status",
               "the printer serves one program at a time: end the other program that uses it; if no "
               "other program uses it, switch the printer off and on"};
     }

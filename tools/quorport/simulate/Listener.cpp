@@ -26,7 +26,7 @@ std::string pathIn(const std::string& text, const std::string& option) {
   for (std::size_t i = unixScheme.size(); i < text.size(); ++i) {
     const bool isEscape = text[i] == '\\' && i + 1 < text.size();
     if (text[i] == ',') {
-      refuse(option, text, "unix:PATH without ,KEY=VALUE (write a comma of the path as \\,)");
+      refuse(option, text, "unix:PATH with a backslash before each comma in PATH");
     }
     path += isEscape ? text[++i] : text[i];
   }
