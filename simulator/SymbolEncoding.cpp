@@ -102,12 +102,14 @@ std::string withoutCheckDigit(const std::string& data, std::size_t digits) {
   return data.size() == digits ? data.substr(0, digits - 1) : data;
 }
 
-// Returns the digits for a UPC-E bar code. UPC-E is a short form that some UPC-A numbers have. A
-// UPC-A number has eleven digits, or twelve with its check digit. If it has the short form, the
-// result is its first digit and the six digits of UPC-E. A number of eight digits is returned
-// without its check digit. Any other number is returned unchanged; the library refuses it unless it
-// has the length of a UPC-E number.
+// Returns the digits of a number in UPC-E, without its check digit; "" if the number has no such
+// form. A number of eleven or twelve digits is a UPC-A number, and is shortened. A number of six
+// digits lacks its first digit, 0.
 std::string zeroSuppressed(const std::string& data) {
+  constexpr std::size_t withoutFirstDigit = 6;
+  if (data.size() != withoutFirstDigit && !data.starts_with('0') && !data.starts_with('1')) {
+    return "";  // the library would replace this digit by 0
+  }
   if (data.size() != 11 && data.size() != 12) {
     return withoutCheckDigit(data, 8);
   }
@@ -126,7 +128,7 @@ std::string zeroSuppressed(const std::string& data) {
   if (item >= "00005" && item <= "00009") {
     return system + maker + item.substr(4);
   }
-  return data;
+  return "";
 }
 
 bool isGs1(Symbology symbology) {

@@ -178,9 +178,13 @@ TEST(BarcodeEncoder, EncodesANumberInUpcEOnlyIfTheNumberHasAShortForm) {
     return symbol ? symbol->text : "refused";
   };
   EXPECT_EQ(text("04210000526"), "04252614");
+  EXPECT_EQ(text("0425261"), "04252614");
+  EXPECT_EQ(text("425261"), "04252614");
   EXPECT_EQ(text("01230000045"), "01234531");
   EXPECT_EQ(text("01234000005"), "01234543");
   EXPECT_EQ(text("01234500006"), "01234565");
+  EXPECT_EQ(text("24210000526"), "refused");
+  EXPECT_EQ(text("2425261"), "refused");
   EXPECT_EQ(text("04210001526"), "refused");
   EXPECT_EQ(text("01230000145"), "refused");
   EXPECT_EQ(text("01234000015"), "refused");
