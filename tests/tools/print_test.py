@@ -98,6 +98,11 @@ class PrintCommand(Case):
         for options in (("-d", "virtual:"), ("-d", "virtual:,proof=block", "-e", "escpos")):
             self.assertNotIn("hint", run(*options, "print", "-", data=b"text\n").out)
 
+    def test_a_job_that_ends_before_the_printer_says_how_it_confirms_jobs_gives_no_hint(self):
+        result = run("-d", "virtual:cut-after-in=24", "-e", "escpos", "print", "-", data=b"text\n")
+        self.assertIn("refused: link lost", result.err)
+        self.assertNotIn("hint", result.err)
+
     def test_a_job_without_a_proof_is_unconfirmed(self):
         for option in (("--proof", "none"), ("--unchecked",)):
             result = run("-d", "virtual:", "print", *option, "-", "--json", data=b"text\n")

@@ -54,10 +54,11 @@ ExitCode codeOf(const PrintResult& result) {
 }
 
 // Returns a hint for the user: how to print without asking the printer how it confirms jobs.
-// Returns "" if this job did not ask the printer. If the printer did not answer, the hint says
-// that it applies only if no job gets an answer: this one answer may have been late.
+// Returns "" if this job did not ask the printer, or ended before the printer could answer. If the
+// printer did not answer in time, the hint says that it applies only if no job gets an answer: this
+// one answer may have been late.
 std::string hintOf(const PrintResult& result) {
-  if (!result.hasAskedForProof) {
+  if (!result.hasAskedForProof || result.proof == ProofKind::Auto) {
     return "";
   }
   const std::string condition =
