@@ -181,6 +181,12 @@ class QueryAnswers(Case):
             self.assertEqual((status["etbCounter"], status["presenterState"], status["connectedInterface"]), (201, 3, 4))
             self.assertEqual((status["rawLength"], status["raw"]), (9, block.hex()))
 
+    def test_the_status_in_words_names_the_errors_of_a_printer_that_is_on_line(self):
+        peer = self.peer(lambda connection: answer_status(connection, status_block("coverOpen", "jamError", "stackerFull")))
+        self.assertEqual(run("-d", peer.place, "status").out,
+                         f"{peer.place}: Ready to print.\n  on line, but reports: cover open, paper jam, stacker full\n"
+                         "  connected by Ethernet\n")
+
     def test_the_verbose_status_shows_every_field_with_its_name(self):
         peer = self.peer(lambda connection: answer_status(connection, status_block("jamError", presenter=1)))
         result = run("-d", peer.place, "status", "-v")

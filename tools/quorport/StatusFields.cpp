@@ -49,7 +49,7 @@ constexpr FlagField flagFields[] = {
     {"paperPresent", &Status::paperPresent, "paper was left in the exit"},
     {"presenterPaperPresent", &Status::presenterPaperPresent, "paper is in the presenter"},
     {"peelerPaperPresent", &Status::peelerPaperPresent, "paper is in the peeler"},
-    {"stackerFull", &Status::stackerFull, "the stacker is full"},
+    {"stackerFull", &Status::stackerFull, ""},
     {"slipTOF", &Status::slipTOF, "a sensor sees the top edge of the slip"},
     {"slipCOF", &Status::slipCOF, "a sensor sees the cut edge of the slip"},
     {"slipBOF", &Status::slipBOF, "a sensor sees the bottom edge of the slip"},
@@ -91,8 +91,8 @@ Json jsonOf(const Status& status) {
 std::vector<std::string> remarks(const Status& status) {
   std::vector<std::string> all = {status.offline != 0 ? "not ready: " + whyOffline(status)
                                                       : "ready to print"};
-  if (status.offline == 0 && status.coverOpen != 0) {
-    all.emplace_back("the cover is open");
+  if (const std::string errors = errorsIn(status); status.offline == 0 && !errors.empty()) {
+    all.push_back("on line, but reports: " + errors);
   }
   for (const FlagField& field : flagFields) {
     if (status.*field.flag != 0 && !field.remark.empty()) {
