@@ -66,6 +66,22 @@ bool isPrintableAscii(std::string_view line) {
   return std::ranges::all_of(line, [](char c) { return c >= ' ' && c <= '~'; });
 }
 
+bool isRightToLeft(gunichar character) {
+  const GUnicodeScript script = g_unichar_get_script(character);
+  return script == G_UNICODE_SCRIPT_HEBREW || script == G_UNICODE_SCRIPT_ARABIC;
+}
+
+// Returns true if the printer, which places characters from left to right, would print the text in
+// the wrong order. Only Hebrew and Arabic have code pages of this kind.
+bool hasRightToLeft(const char* text) {
+  for (; *text != '\0'; text = g_utf8_next_char(text)) {
+    if (isRightToLeft(g_utf8_get_char(text))) {
+      return true;
+    }
+  }
+  return false;
+}
+
 // Converts between a code page and UTF-8, using the system's converter.
 class Conversion {
  public:
@@ -141,6 +157,9 @@ std::optional<std::vector<std::uint8_t>> CodePage::encoded(const std::string& li
   }
   const std::unique_ptr<char, void (*)(void*)> composed(
       g_utf8_normalize(line.data(), static_cast<gssize>(line.size()), G_NORMALIZE_NFC), g_free);
+  if (hasRightToLeft(composed.get())) {
+    return std::nullopt;
+  }
   const auto bytes = converter_->toPage(composed.get());
   if (!bytes || bytes->size() != static_cast<std::size_t>(g_utf8_strlen(composed.get(), -1))) {
     return std::nullopt;

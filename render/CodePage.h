@@ -30,7 +30,8 @@ class CodePage {
   std::optional<std::uint8_t> number() const { return number_; }
 
   /// Converts a line of UTF-8 to the printer's bytes, one for each character. Returns null if the
-  /// printer lacks one of the characters. A letter followed by combining accents counts as one
+  /// printer lacks one of the characters, or if the line has Hebrew or Arabic letters, which the
+  /// printer would print in the wrong order. A letter followed by combining accents counts as one
   /// accented letter.
   std::optional<std::vector<std::uint8_t>> encoded(const std::string& line) const;
 

@@ -48,6 +48,12 @@ TEST(PrintedText, IsDrawnAsAnImageIfTheCodePageLacksACharacter) {
   EXPECT_TRUE(isDrawn(printed("Спасибо", CodePage("16"))));
 }
 
+TEST(PrintedText, IsDrawnAsAnImageIfItRunsFromRightToLeft) {
+  EXPECT_TRUE(isDrawn(printed("שלום", CodePage("15:862"))));
+  EXPECT_TRUE(isDrawn(printed("abc سلام", CodePage("50:1256"))));
+  EXPECT_FALSE(isDrawn(printed("3 ₪", CodePage("49:1255"))));
+}
+
 TEST(PrintedText, IsEncodedInItsCodePageWhichIsSelectedOnlyOnce) {
   EXPECT_EQ(printed("3 €\ncafé\n", CodePage("16")), selectPage16 + ascii("3 \x80\ncaf\xe9\n"));
 }
