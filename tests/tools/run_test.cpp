@@ -108,7 +108,7 @@ TEST_F(InterruptionTest, NamesTheDeviceThatTheCommandUsed) {
   EXPECT_EQ(toldAtLast_, "tcp:192.0.2.10:9100: interrupted");
 }
 
-TEST_F(InterruptionTest, EndsTheSleepOfAnExchange) {
+TEST_F(InterruptionTest, WakesTheThreadOfAnExchange) {
   interruption_.beginExchange();
   test::SleepingThread exchange([this] { EXPECT_THROW(interruption_.sleep(1h), Interrupted); });
   exchange.awaitSleep();

@@ -251,7 +251,7 @@ TEST_P(NamedJobTest, ALaterAnswerContainsTheTimeAtWhichAPersonWasInformed) {
   EXPECT_FALSE(before.ended);
 }
 
-TEST_P(NamedJobTest, ALaterAttemptIsNotMarkedAsReportedToAPerson) {
+TEST_P(NamedJobTest, NobodyWasInformedYetOfALaterAttempt) {
   dieInTheMiddle("receipt 1");
   {
     Journal journal(file);

@@ -108,7 +108,7 @@ TEST(LoggingContract, NoDescriptionIsMadeIfItsLevelIsOff) {
   EXPECT_EQ(descriptionsMade(), descriptions);
 }
 
-TEST(LoggingContract, DescriptionsAreMadeIfLoggingIsOn) {
+TEST(LoggingContract, RecordsAndDescriptionsAreMadeIfLoggingIsOn) {
   const std::uint64_t handedOver = LogWriter::sharedInstance().statistics().handedOver;
   const std::uint64_t descriptions = descriptionsMade();
   answeringPrinter(lineMode).runOnPort(inTurn(allCalls()));
