@@ -68,7 +68,7 @@ class QUOR_EXPORT ExternalAccessoryPort
   /// `portName` selects the accessory. "BT:" (in any letter case) or null selects the first printer
   /// that is attached. "BT:" followed by a name, serial number or Bluetooth address selects the
   /// accessory with that name, number or address. The first three characters of the port name are
-  /// its prefix, even if they are not "BT:". The name is UTF-8; a byte that does not belong to a
+  /// only skipped; they may differ from "BT:". The name is UTF-8; a byte that does not belong to a
   /// valid character counts as one character. A port whose name has fewer than three characters
   /// cannot be opened. Names are compared byte by byte. `portSettings` may contain, at any place, a
   /// data time-out option: the letter d followed by a number of seconds from 0 to 255. A larger

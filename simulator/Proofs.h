@@ -13,7 +13,7 @@ enum class Proof : std::uint8_t {
   InOrder,    ///< the printer answers a status request after it has printed all earlier data
 };
 
-/// The proofs that a printer can give. A plain value.
+/// The ways in which a printer can prove that a job was printed. A plain value.
 class Proofs {
  public:
   /// Reads the names `block`, `process-id` and `in-order`, joined by `+`. An empty text or `none`
