@@ -124,7 +124,7 @@ TEST_P(CommandsWithoutAPayloadLength, EndAfterTheirParameters) {
   }
 }
 
-TEST_P(CommandsWithoutAPayloadLength, ReachBeyondTheDataIfTheirLastByteIsMissing) {
+TEST_P(CommandsWithoutAPayloadLength, AreLongerThanTheDataIfTheirLastByteIsMissing) {
   auto data = GetParam().bytes;
   data.pop_back();
   const auto command = printCommandAt(data);
@@ -189,7 +189,7 @@ TEST(CommandsWithAPayloadLength, HaveTheLengthThatTheirHeaderGives) {
   }
 }
 
-TEST(CommandsWithAPayloadLength, ReachBeyondTheDataIfTheirLastByteIsMissing) {
+TEST(CommandsWithAPayloadLength, AreLongerThanTheDataIfTheirLastByteIsMissing) {
   for (const CountedCommand& row : countedCommands) {
     auto data = row.head;
     data.insert(data.end(), row.payload, 0);

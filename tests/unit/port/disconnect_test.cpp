@@ -9,7 +9,7 @@ const Bytes addressQuery = ascii("AT*AILBA?\r");
 const Bytes dropCommand = ascii("AT*AMWS=10,0,0,0,1,0\r");
 const std::string method = "disconnectBluetoothConnection";
 
-TEST(Disconnect, EntersTheAtCommandModeAndDropsTheLink) {
+TEST(Disconnect, SwitchesTheModuleToAtCommandsAndDropsTheLink) {
   Scenario scenario = Scenario::in(lineMode);
   scenario.script.whenAsked(addressQuery, whole(ascii("\r\n*AILBA:0011223344FF\r\n\r\nOK\r\n")))
       .isLost(3.0);

@@ -44,7 +44,7 @@ TEST(PosixClock, AThousandSleepsOfAMicrosecondLastAMillisecond) {
   EXPECT_GE(watch.seconds(), 1e-6 * sleeps);
 }
 
-TEST(PosixClock, ASleepBySelectMayLastLongerThanASecond) {
+TEST(PosixClock, ASleepOfMoreThanASecondBySelectTakesItsWholeTime) {
   const Stopwatch watch;
   PosixClock().select(1'000'001);
   EXPECT_GE(watch.seconds(), 1.000'001);
