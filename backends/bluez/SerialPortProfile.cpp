@@ -104,8 +104,7 @@ void SerialPortProfile::takeRegistration(SteadyTime deadline) {
 
 void SerialPortProfile::take(const sdbus::ObjectPath& device, const sdbus::UnixFd& file) {
   if (device != awaited_ || taken_) {
-    throw sdbus::Error(ErrorName(rejected),
-                       "this program does not wait for a connection to this device");
+    throw sdbus::Error(ErrorName(rejected), "this program has not asked for this connection");
   }
   taken_.emplace(copyOf(file));
 }
