@@ -87,10 +87,10 @@ struct Scheme {
   /// `text` does not belong to this scheme.
   std::optional<std::string> (*placeMeantBy)(std::string_view text) = nullptr;
 
-  /// A device text without a place, such as `bluetooth:`, may mean several devices. This function
-  /// returns the places that these devices have at this moment. No returned place contains a comma
-  /// or a backslash. The pointer is null if a device text without a place means one device or is
-  /// not allowed.
+  /// A device text without a place after its colon, such as `bluetooth:`, may mean several devices.
+  /// This function returns the places that these devices have at this moment. No returned place
+  /// contains a comma or a backslash. The pointer is null if a device text without a place means
+  /// one device or is not allowed.
   std::vector<std::string> (*places)() = nullptr;
 
   /// True if every process has a device of its own, which no other process can use.

@@ -39,8 +39,8 @@ void ExternalAccessoryPort::runLoop71() {
 
 /// Runs the routine on the port thread, or on the calling thread if no port thread can run it. A
 /// port that was not created on the main thread has no port thread; after a close the port thread
-/// has ended or is about to end. A thread that is about to end could still run the routine. But the
-/// routine schedules the streams on the run loop of its thread, and this thread would no longer run
+/// has ended or is about to end. A thread that is about to end does not get the routine: the
+/// routine schedules the streams on the run loop of its thread, and such a thread no longer runs
 /// its run loop.
 void ExternalAccessoryPort::performOnPortThread(void (ExternalAccessoryPort::*routine)()) {
   const auto thread = thread71();

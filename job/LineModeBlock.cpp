@@ -90,7 +90,7 @@ bool LineModeBlock::endInTime() {
 }
 
 /// Waits until the printer has counted both marks of this job, one before and one after the data.
-/// The port's own operation is not used, because it would send two further marks.
+/// The port's `endCheckedBlock` is not used, because it would send two further marks.
 bool LineModeBlock::awaitCount() {
   const auto limit = std::chrono::milliseconds(link().port().endCheckedBlockTimeoutMillis());
   const auto start = link().now();

@@ -17,7 +17,8 @@ enum class Proof : std::uint8_t {
 class Proofs {
  public:
   /// Reads the names `block`, `process-id` and `in-order`, joined by `+`. An empty text or `none`
-  /// means no proof. Throws std::invalid_argument, with a text for people, for any other text.
+  /// means no proof. Throws std::invalid_argument, with a message for people, if the text has
+  /// another form.
   static Proofs parse(std::string_view text);
 
   static Proofs all();

@@ -331,7 +331,7 @@ std::size_t VirtualPrinter::readyAgain() const {
 }
 
 // Returns how many bytes the printer must print until `bytes` bytes of its buffer are free. `bytes`
-// must be greater than the count that is free now.
+// must be greater than the number of bytes that are free now.
 std::size_t VirtualPrinter::untilFree(std::size_t bytes) const {
   return buffered() + bytes - state_.bufferSize();
 }

@@ -40,10 +40,9 @@ class Link {
 
   /// Ends the connection. Afterwards there are no bytes to read and there is no space to write.
   /// `release` returns when the device has taken all written bytes, and after two seconds at the
-  /// latest. Bytes that the device has not taken by then may be lost: over TCP, they are lost if
-  /// the device sends anything before it has taken them. When `release` returns, the waits of other
-  /// threads end; but a wait on a terminal may continue until its deadline. A second call has no
-  /// effect.
+  /// latest. Bytes that the device takes later may be lost. Over TCP they are lost if the device
+  /// sends anything before it takes them. When `release` returns, the waits of other threads end;
+  /// but a wait on a terminal may continue until its deadline. A second call has no effect.
   void release();
 
   /// Returns true if the link has ended and all bytes that arrived before the end were read. A link

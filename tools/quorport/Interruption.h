@@ -42,8 +42,8 @@ class Interruption {
   /// the request ends.
   void interrupt(ExitCode code);
 
-  /// Returns the exit status of a command that the stop request ends; empty if there was no
-  /// request.
+  /// Returns the exit status of the command if a stop request ends it; empty if there was
+  /// no request.
   std::optional<ExitCode> code();
 
   /// Replaces the report that is delivered if a stop request ends the command.

@@ -156,10 +156,9 @@ void HostConnection::giveToHost(Instant now) {
 void HostConnection::followDrop(Instant now) {
   if (link_.wasReset(now)) {
     line_->resetOnClose();
-    // The connection ends only at the next call of `work`. A terminal connects the next host
-    // immediately, and the link of that host may be reset as well. If a reset ended the connection
-    // before `work` returned, the caller might accept hosts for ever, and never serve the other
-    // printers.
+    // The connection ends only at the next call of `work`. A terminal (`pty:`) always has a next
+    // host, whose link may be reset as well. If a reset ended the connection before `work`
+    // returned, the caller might accept hosts for ever, and never serve the other printers.
     lastSettling_ = now;
   } else if (link_.dropped(now)) {
     line_->endOutput();

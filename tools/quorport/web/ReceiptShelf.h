@@ -46,8 +46,8 @@ class ReceiptShelf {
   /// such receipt.
   http::Text file(std::uint64_t id, const std::string& kind) const;
 
-  /// Returns a PNG file with the rows of the receipt's picture from number `row` on, at most
-  /// `DrawnReceipt::pieceRows` of them. Returns null if there is no such receipt, or if no piece
+  /// Returns a PNG file with a piece of the receipt's picture: the rows from number `row`, at most
+  /// `DrawnReceipt::pieceRows` rows. Returns null if there is no such receipt, or if no piece
   /// begins at this row.
   http::Text piece(std::uint64_t id, std::uint64_t row) const;
 
