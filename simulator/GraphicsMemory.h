@@ -47,9 +47,9 @@ class GraphicsMemory {
 
   /// Returns the answer to a complete command 1d 28 4c that asks for the size of the memory
   /// (function 0 or 48), for its free part (3, 4, 51 or 52), for the names of the kept images (64)
-  /// or for the names of the downloaded images (80). More than forty names are divided into groups,
-  /// and the answer is the first group. `command` may also be a single byte: 06 asks for the next
-  /// group, and 15 asks for the same group again. The answer is empty if there is no further group.
+  /// or for the names of the downloaded images (80). If there are more than forty names, the answer
+  /// is the first group of them. `command` may also be a single byte: 06 asks for the next group,
+  /// and 15 asks for the same group again. The answer is empty if there is no further group.
   Bytes reply(ByteView command);
 
   /// Forgets the groups of names. To be called when the host asks for no further group.

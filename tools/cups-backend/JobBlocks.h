@@ -9,7 +9,7 @@
 
 namespace quordalvane::cups {
 
-/// A part of a job that the printer confirms as a whole: one copy or all copies.
+/// One copy of a job, or all its copies together. The printer confirms each block separately.
 struct JobBlock {
   std::string name;     ///< the block's name in the journal
   unsigned number = 1;  ///< the number of the block's first copy, from 1
