@@ -58,7 +58,7 @@ TEST(BitmapFile, IsReadInEachColourDepthAndRowOrder) {
   }
 }
 
-TEST(BitmapFile, IsEmptyIfItIsCutOffOrInvalid) {
+TEST(BitmapFile, GivesNoPictureIfItIsCutOffOrInvalid) {
   const Bytes right = file(3, 2, 1, hex("60000000 a0000000"));
   for (std::size_t length = 0; length < right.size(); ++length) {
     EXPECT_EQ(fromBitmapFile(ByteView(right).first(length)).width, 0U) << length;
