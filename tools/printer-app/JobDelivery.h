@@ -22,7 +22,8 @@ void keepJobsIn(const std::filesystem::path& journal, const std::filesystem::pat
 /// result is false. The journal prevents a second print, even after a restart.
 ///
 /// First saves the framework's list of jobs, which the framework itself would save only with the
-/// next job. Blocks the job's thread. Throws `JournalError` if the journal fails.
+/// next job. Blocks the job's thread. Throws a std::exception if the journal or
+/// the lock of the printer fails.
 bool deliver(pappl_job_t* job, const std::vector<std::uint8_t>& data);
 
 }  // namespace quordalvane::printer_app

@@ -118,8 +118,8 @@ bool isHeldForItsTurn(ipp_jstate_t state, pappl_jreason_t reasons) {
 
 // The framework can start several threads for one job, because the job counts as waiting until its
 // first thread runs. A second thread would print the job again, or find that its document is gone.
-// The framework would also list the job twice, and free it twice. So this program replaces the
-// function of these threads, and only the first one processes the job.
+// The framework would also list the job twice, and use it after it has freed it. So this program
+// replaces the function of these threads, and only the first one processes the job.
 // NOLINTNEXTLINE(readability-identifier-naming): the framework's name
 extern "C" [[gnu::visibility("default")]] void* _papplJobProcess(pappl_job_t* job) {
   using namespace quordalvane::printer_app;
