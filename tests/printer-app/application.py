@@ -104,13 +104,21 @@ class Client:
     def printer(self) -> dict[str, list]:
         return self.ask(ipp.GET_PRINTER)[0]
 
-    def begin_upload(self, contents: bytes, kind: str, sent: int) -> socket.socket:
+    def begin_upload(self, contents: bytes, kind: str, sent: int, compression: str = "none") -> socket.socket:
         """Begins a print job, and sends only `sent` bytes of its document. Returns the open connection."""
-        message = self.request(ipp.PRINT_JOB, ipp.attribute(ipp.FORMAT, "document-format", kind))
+        message = self.request(ipp.PRINT_JOB, ipp.attribute(ipp.FORMAT, "document-format", kind),
+                               keyword("compression", compression))
+        return self.begin_request(f"Content-Length: {len(message) + len(contents)}", message + contents[:sent])
+
+    def begin_upload_in_chunks(self, contents: bytes, kind: str, sent: int) -> socket.socket:
+        """Like `begin_upload`, but announces no length of the document. The bytes are sent as one chunk."""
+        message = self.request(ipp.PRINT_JOB, ipp.attribute(ipp.FORMAT, "document-format", kind)) + contents[:sent]
+        return self.begin_request("Transfer-Encoding: chunked", b"%x\r\n%b\r\n" % (len(message), message))
+
+    def begin_request(self, length: str, body: bytes) -> socket.socket:
         connection = socket.create_connection((self.host, self.port), DEADLINE)
         connection.sendall(f"POST {self.resource} HTTP/1.1\r\nHost: {self.host}:{self.port}\r\n"
-                           f"Content-Type: application/ipp\r\nContent-Length: {len(message) + len(contents)}\r\n\r\n".encode())
-        connection.sendall(message + contents[:sent])
+                           f"Content-Type: application/ipp\r\n{length}\r\n\r\n".encode() + body)
         return connection
 
     def leave_in_upload(self, contents: bytes, kind: str, sent: int):

@@ -1,5 +1,7 @@
 """Jobs of the printer application, from their arrival to their end."""
 
+import gzip
+import random
 import re
 import threading
 
@@ -9,7 +11,7 @@ from documents import apple, page, pwg
 from harness import eventually, main
 
 ANY = "application/octet-stream"
-LEFT = "the client disconnected before the end of its document"
+INCOMPLETE = "the document is incomplete; print it again"
 PAGE = page(639, 320, 80, 40)
 TEXT = "Café 2,40 €\nTotal 2.40\n".encode()
 
@@ -112,7 +114,7 @@ class DisconnectedClient(Application):
         last = self.print(b"the next one\n", RAW)
         self.await_state("completed", last)
         eventually(lambda: list(self.client.jobs().values()).count("aborted") == count, f"{count} jobs are aborted")
-        self.assertEqual({self.client.job(job)[1] for job in self.client.jobs() if job != last}, {LEFT})
+        self.assertEqual({self.client.job(job)[1] for job in self.client.jobs() if job != last}, {INCOMPLETE})
         self.assertEqual(self.printed(1), ["the next one\n"])
 
     def test_a_client_that_disconnects_during_a_text_prints_nothing(self):
@@ -129,6 +131,29 @@ class DisconnectedClient(Application):
     def test_a_client_that_disconnects_during_command_data_prints_nothing(self):
         self.check(b"line of text\n" * 1000, RAW, 0, 1, 6500)
 
+    def test_a_client_that_disconnects_between_two_chunks_prints_nothing(self):
+        for kind in ("text/plain", RAW):
+            self.client.begin_upload_in_chunks(b"line of text\n" * 1000, kind, 6500).close()
+        self.check_aborted(2)
+
+    def test_a_document_that_arrives_in_chunks_is_printed(self):
+        with self.client.begin_upload_in_chunks(b"the next one\n", RAW, 4) as connection:
+            connection.sendall(b"9\r\nnext one\n\r\n0\r\n\r\n")
+            self.assertEqual(connection.recv(4), b"HTTP")
+        self.await_state("completed", 1)
+        self.assertEqual(self.printed(1), ["the next one\n"])
+
+    def test_damaged_compressed_data_prints_nothing(self):
+        damaged = gzip.compress(random.Random(1).randbytes(5000))[:-1000] + bytes(1000)
+        with self.client.begin_upload(damaged, RAW, len(damaged), "gzip") as connection:
+            self.assertEqual(connection.recv(1), b"", "the application ends the connection")
+        self.check_aborted(1)
+
+    def test_a_client_that_is_silent_before_its_document_is_disconnected(self):
+        self.restart("upload-timeout=1")
+        with self.client.begin_upload(pwg(PAGE), "image/pwg-raster", 0) as connection:
+            self.assertEqual(connection.recv(1), b"", "the application ends the connection")
+
     def test_the_document_of_a_silent_client_is_aborted(self):
         self.restart("upload-timeout=1")
         with self.client.begin_upload(pwg(PAGE), "image/pwg-raster", len(pwg(PAGE)) - 1) as connection:
@@ -143,16 +168,21 @@ class DisconnectedClient(Application):
         eventually(lambda: re.search('filename=.* id="2"', self.kept()), "the document is saved")
         self.restart()
         self.printer.set(coverOpen=False)
-        self.assertEqual(self.await_state("aborted", 2), LEFT)
+        self.assertEqual(self.await_state("aborted", 2), INCOMPLETE)
 
     def test_other_clients_are_answered_while_clients_disconnect(self):
-        page = pwg(PAGE)
-        leaving = threading.Thread(
-            target=lambda: [self.client.leave_in_upload(page, "image/pwg-raster", 1000) for _ in range(200)])
+        page, left = pwg(PAGE), []
+
+        def leave_often():
+            while len(left) < 200:
+                left.append(self.client.leave_in_upload(page, "image/pwg-raster", 1000))
+
+        leaving = threading.Thread(target=leave_often)
         leaving.start()
         while leaving.is_alive():
             self.print(b"one of many\n", RAW)
         leaving.join()
+        self.assertEqual(len(left), 200)
 
 
 if __name__ == "__main__":

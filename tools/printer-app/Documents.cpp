@@ -30,8 +30,12 @@ unsigned headDots(pappl_job_t* job) {
 template <typename Work>
 bool guarded(pappl_job_t* job, Work work) {
   try {
-    if (isIncomplete(papplJobGetFilename(job))) {
-      throw render::RenderError("the client disconnected before the end of its document");
+    const char* const file = papplJobGetFilename(job);
+    if (file == nullptr) {
+      throw render::RenderError("the job was canceled before it began");
+    }
+    if (isIncomplete(file)) {
+      throw render::RenderError("the document is incomplete; print it again");
     }
     return work();
   } catch (const std::exception& error) {

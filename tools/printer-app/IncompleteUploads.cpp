@@ -32,11 +32,15 @@ bool isSilent(http_t* http) {
   return httpWait(http, static_cast<int>(limit.count())) == 0;
 }
 
+void endConnection(http_t* http) {
+  ::shutdown(httpGetFd(http), SHUT_RDWR);
+  isConnectionEnded = true;
+}
+
 // Ends the connection. Writes the mark of an incomplete document into `buffer`, as the last data of
 // the document, and returns the length of the mark; -1 if the buffer is too small.
 ssize_t endUpload(http_t* http, char* buffer, std::size_t length) {
-  ::shutdown(httpGetFd(http), SHUT_RDWR);
-  isConnectionEnded = true;
+  endConnection(http);
   return length < mark.size() ? -1 : static_cast<ssize_t>(mark.copy(buffer, mark.size()));
 }
 
@@ -67,6 +71,17 @@ extern "C" [[gnu::visibility("default")]] ssize_t httpRead2(http_t* http, char* 
     return read(http, buffer, length);
   }
   const ssize_t count = isSilent(http) ? -1 : read(http, buffer, length);
-  const bool isCutShort = count < 0 || (count == 0 && isUpload(http));
+  const bool isCutShort = count < 0 || (count == 0 && httpError(http) != 0);
   return isCutShort ? endUpload(http, buffer, length) : count;
+}
+
+// The framework waits with this function for the first byte of a document.
+extern "C" [[gnu::visibility("default")]] ssize_t httpPeek(http_t* http, char* buffer,
+                                                           std::size_t length) {
+  using namespace quordalvane::printer_app;
+  static auto* const peek = libraryFunction<Read>("httpPeek");
+  if (isUpload(http) && isSilent(http)) {
+    endConnection(http);
+  }
+  return isConnectionEnded ? 0 : peek(http, buffer, length);
 }

@@ -5,15 +5,15 @@
 
 namespace quordalvane::printer_app {
 
-/// Marks each document whose client disconnects before its end, so that it is not printed. Also
-/// disconnects a client that sends nothing for `longestSilence`. To be called once, before clients
-/// connect.
+/// Marks each document that does not arrive completely, so that it is not printed: its client
+/// disconnects before its end, sends nothing for `longestSilence`, or sends damaged compressed
+/// data. Disconnects such a client. To be called once, before clients connect.
 ///
 /// The framework takes the end of a connection for the end of the document. It also waits for ever
 /// for a client that neither sends nor closes the connection, like a telephone out of range. The
 /// framework reads with `httpRead2` of the print system's library. This program defines its own
-/// `httpRead2`, which replaces the library's. If a client disconnects early, or is silent for too
-/// long, `httpRead2` appends a mark to the document and ends the connection.
+/// `httpRead2`, which replaces the library's, appends a mark to the document and ends the
+/// connection. `httpPeek`, with which the framework waits for a document, is replaced as well.
 ///
 /// `httpRead2` does not report an error instead, because version 1.3 of the framework could then
 /// wait for ever. After an error the framework aborts the job, and for this locks first the job and
