@@ -55,8 +55,9 @@ struct Counters {
 };
 
 void print(OpenPort& port, std::span<const std::uint8_t> data) {
-  if (PrintJob(port.shared()).run(data).outcome != PrintOutcome::Printed) {
-    throw std::runtime_error("a receipt was not confirmed");
+  const PrintResult result = PrintJob(port.shared()).run(data);
+  if (result.outcome != PrintOutcome::Printed) {
+    throw std::runtime_error("a receipt was not confirmed: " + result.reason);
   }
 }
 
