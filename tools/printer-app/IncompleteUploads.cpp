@@ -15,7 +15,8 @@ namespace {
 std::chrono::milliseconds limit;
 
 // The last bytes of each incomplete document. No complete document ends with them by chance.
-constexpr std::string_view mark("\0the client disconnected before the end of this document\0", 57);
+using namespace std::string_view_literals;
+constexpr std::string_view mark = "\0the client disconnected before the end of this document\0"sv;
 
 // Each connection has a thread of its own.
 thread_local bool isConnectionEnded = false;

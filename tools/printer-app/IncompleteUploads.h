@@ -7,7 +7,8 @@ namespace quordalvane::printer_app {
 
 /// Marks each document that does not arrive completely, so that it is not printed: its client
 /// disconnects before its end, sends nothing for `longestSilence`, or sends damaged compressed
-/// data. Disconnects such a client. To be called once, before clients connect.
+/// data. Disconnects such a client. `longestSilence` must not be zero, because every client would
+/// then count as silent. To be called once, before clients connect.
 ///
 /// The framework takes the end of a connection for the end of the document. It also waits for ever
 /// for a client that neither sends nor closes the connection, like a telephone out of range. The
@@ -22,7 +23,7 @@ namespace quordalvane::printer_app {
 void markIncompleteUploads(std::chrono::seconds longestSilence);
 
 /// Returns true if the document in the file has the mark of an incomplete document. Returns false
-/// if the file cannot be read.
+/// if the file cannot be read. Throws nothing. Any thread may call this function.
 bool isIncomplete(const std::filesystem::path& file);
 
 }  // namespace quordalvane::printer_app
